@@ -1,0 +1,70 @@
+// The 16-bit text primitives that everything else is made of, vectorised, on both systems: the runtimes' own are slow
+// (Windows) or made for 32-bit wide characters (elsewhere).
+//
+// Texts are zero-terminated unless a length is given; lengths and positions count 16-bit units. Vector loads may read
+// past the end of a text, but never into another memory page; nothing is written past it. Nothing here allocates.
+#pragma once
+
+#include <roots/Export.h>
+
+#include <cstddef>
+#include <cstring>
+
+namespace wide {
+
+constexpr std::size_t npos = static_cast<std::size_t>(-1);
+
+// Units before the terminator.
+std::size_t length(const wchar_t* text) noexcept;
+
+// The first position below count at which two texts differ or both end; count where there is none.
+std::size_t mismatch(const wchar_t* a, const wchar_t* b, std::size_t count = npos) noexcept;
+
+// Whether two texts are the same.
+inline bool equal(const wchar_t* a, const wchar_t* b) noexcept {
+    const std::size_t i = mismatch(a, b);
+    return a[i] == b[i];
+}
+
+// -1, 0 or +1 over at most count units, in the order of unsigned 16-bit units; a text that begins the other comes
+// first.
+inline int compare(const wchar_t* a, const wchar_t* b, std::size_t count = npos) noexcept {
+    const std::size_t i = mismatch(a, b, count);
+    if (i == count) return 0;
+    return (a[i] > b[i]) - (a[i] < b[i]);
+}
+
+// The first or last position of unit in text[0 .. length), or npos.
+std::size_t find(const wchar_t* text, std::size_t length, wchar_t unit) noexcept;
+std::size_t findLast(const wchar_t* text, std::size_t length, wchar_t unit) noexcept;
+
+// How many of text[0 .. length) are unit.
+std::size_t count(const wchar_t* text, std::size_t length, wchar_t unit) noexcept;
+
+// The first position of what in text, or npos; an empty what is found at 0. Linear in length + whatLength.
+std::size_t find(const wchar_t* text, std::size_t length, const wchar_t* what, std::size_t whatLength) noexcept;
+
+// The positions, in order, of the first at most max occurrences of a non-empty what in text that begin at start or
+// behind it and do not overlap each other. Returns how many were stored.
+std::size_t findEach(const wchar_t* text, std::size_t length, std::size_t start, const wchar_t* what,
+                     std::size_t whatLength, std::size_t* positions, std::size_t max) noexcept;
+
+// The ranges of source and destination of what follows do not overlap.
+
+inline void copy(wchar_t* to, const wchar_t* from, std::size_t count) noexcept {
+    std::memcpy(to, from, count * sizeof(wchar_t));
+}
+
+// Copies count units, every unit equal to from replaced by to.
+void copyReplaced(wchar_t* out, const wchar_t* text, std::size_t count, wchar_t from, wchar_t to) noexcept;
+
+// Copies the units of text[0 .. length) that are not unit to out, which has room for just those.
+void copyWithout(wchar_t* out, std::size_t outLength, const wchar_t* text, std::size_t length, wchar_t unit) noexcept;
+
+// Copies count units in reverse order.
+void copyReversed(wchar_t* out, const wchar_t* text, std::size_t count) noexcept;
+
+// Overwrites a text with zeros up to its terminator, in one pass that the compiler cannot remove.
+void wipe(wchar_t* text) noexcept;
+
+}  // namespace wide

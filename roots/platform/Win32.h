@@ -1,0 +1,277 @@
+// The one seam between the library and the system. The library's code calls the Windows API and the bounded routines
+// of its C runtime; on Windows they are the system's own, elsewhere roots/platform/posix/ implements the subset
+// declared here, with the same names, types, argument orders and answers.
+//
+// Routines whose names the C library of every system has as well (fgetws, iswalpha, fclose ...) stand in the namespace
+// crt on both systems: redeclared in the global namespace they would silently bind to routines for 32-bit wide
+// characters or to streams without text mode.
+//
+// What is marked KELROOTS_API serves hosts as well; the rest is the library's own and not exported.
+#pragma once
+
+#include <roots/Export.h>
+
+#include <cstdarg>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <ctime>
+
+#ifdef _WIN32
+
+#    ifndef WIN32_LEAN_AND_MEAN
+#        define WIN32_LEAN_AND_MEAN
+#    endif
+#    ifndef NOMINMAX
+#        define NOMINMAX
+#    endif
+#    include <windows.h>
+
+#    include <direct.h>
+#    include <errno.h>
+#    include <fcntl.h>
+#    include <io.h>
+#    include <oleauto.h>
+#    include <stdio.h>
+#    include <stdlib.h>
+#    include <string.h>
+#    include <time.h>
+#    include <wchar.h>
+#    include <wctype.h>
+
+namespace crt {
+using ::fclose;
+using ::feof;
+using ::fgets;
+using ::fgetwc;
+using ::fgetws;
+using ::fputs;
+using ::fputws;
+using ::fread;
+using ::fseek;
+using ::ftell;
+using ::iswalnum;
+using ::iswalpha;
+using ::iswdigit;
+using ::strftime;
+
+inline int setmode(std::FILE* stream, int mode) { return ::_setmode(::_fileno(stream), mode); }
+}  // namespace crt
+
+#else
+
+// ---- types and constants -------------------------------------------------------------------------------------------
+
+using BOOL = int;
+using BYTE = unsigned char;
+using WORD = unsigned short;
+using DWORD = std::uint32_t;
+using UINT = unsigned int;
+using LONG = std::int32_t;
+using HANDLE = void*;
+using BSTR = wchar_t*;
+using errno_t = int;
+using __time64_t = std::int64_t;
+
+#    define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1)))
+
+enum : BOOL { FALSE = 0, TRUE = 1 };
+enum : UINT { CP_ACP = 0, CP_UTF8 = 65001 };
+enum : std::size_t { MAX_PATH = 260 };
+constexpr std::size_t _TRUNCATE = static_cast<std::size_t>(-1);
+constexpr int STRUNCATE = 80;
+
+enum : DWORD {
+    ERROR_SUCCESS = 0,
+    ERROR_FILE_NOT_FOUND = 2,
+    ERROR_PATH_NOT_FOUND = 3,
+    ERROR_ACCESS_DENIED = 5,
+    ERROR_INVALID_HANDLE = 6,
+    ERROR_NOT_ENOUGH_MEMORY = 8,
+    ERROR_NO_MORE_FILES = 18,
+    ERROR_INVALID_PARAMETER = 87,
+    ERROR_INSUFFICIENT_BUFFER = 122,
+    ERROR_INVALID_NAME = 123,
+    ERROR_INVALID_FLAGS = 1004,
+    ERROR_NO_UNICODE_TRANSLATION = 1113,
+};
+
+// The error number of the last Windows service that failed on this thread. Successful services leave it alone.
+KELROOTS_API DWORD GetLastError();
+KELROOTS_API void SetLastError(DWORD error);
+
+// Zeros that the compiler may not optimise away, however dead the memory is.
+void* SecureZeroMemory(void* memory, std::size_t size);
+
+// ---- text conversion (posix/TextConversion.cpp) ---------------------------------------------------------------------
+
+// The code page that CP_ACP names: 1252, or the number in the environment variable KELROOTS_ANSI_CODE_PAGE, read once.
+KELROOTS_API UINT GetACP();
+
+// Code pages: CP_ACP, 874, 932, 936, 949, 950, 1250 to 1258, 1361, CP_UTF8. flags must be 0. A negative length means
+// "through the terminator", which is then converted and counted. capacity 0 asks for the size. Results are counts of
+// units; 0 is failure, GetLastError says why (too small: 122, and as much as fits is written).
+KELROOTS_API int MultiByteToWideChar(UINT codePage, DWORD flags, const char* text, int length, wchar_t* buffer,
+                                     int capacity);
+
+// The same the other way, counting bytes. A character that the code page lacks becomes defaultChar ("?" where null)
+// and sets *usedDefault (unless null); look-alikes are never chosen. CP_UTF8 lacks nothing and takes neither of the two:
+// error 87.
+KELROOTS_API int WideCharToMultiByte(UINT codePage, DWORD flags, const wchar_t* text, int length, char* buffer,
+                                     int capacity, const char* defaultChar, BOOL* usedDefault);
+
+// ---- OLE strings (posix/OleString.cpp) ------------------------------------------------------------------------------
+
+// A new OLE string: its byte count in the four bytes before the text, a terminator behind it. Null for a null text or
+// where memory is out. SysStringLen counts units; null has none. SysFreeString takes null as well.
+KELROOTS_API BSTR SysAllocString(const wchar_t* text);
+KELROOTS_API BSTR SysAllocStringLen(const wchar_t* text, UINT length);
+KELROOTS_API UINT SysStringLen(BSTR text);
+KELROOTS_API void SysFreeString(BSTR text);
+
+// ---- bounded text (posix/BoundedText.cpp, Numbers.cpp, SplitPaths.cpp, Environment.cpp, ClockText.cpp) -------------
+
+// Sizes count elements of the destination. 0 on success, else the error number (22 bad argument, 34 too small), the
+// destination emptied where there is one; nothing is ever written beyond the size, and the process never ends.
+errno_t strcpy_s(char* to, std::size_t size, const char* from);
+errno_t wcscpy_s(wchar_t* to, std::size_t size, const wchar_t* from);
+errno_t strncpy_s(char* to, std::size_t size, const char* from, std::size_t count);
+errno_t wcsncpy_s(wchar_t* to, std::size_t size, const wchar_t* from, std::size_t count);
+errno_t strcat_s(char* to, std::size_t size, const char* from);
+errno_t wcscat_s(wchar_t* to, std::size_t size, const wchar_t* from);
+errno_t strncat_s(char* to, std::size_t size, const char* from, std::size_t count);
+errno_t wcsncat_s(wchar_t* to, std::size_t size, const wchar_t* from, std::size_t count);
+errno_t _strupr_s(char* text, std::size_t size);
+errno_t _wcsupr_s(wchar_t* text, std::size_t size);
+errno_t _strlwr_s(char* text, std::size_t size);
+errno_t _wcslwr_s(wchar_t* text, std::size_t size);
+errno_t _strset_s(char* text, std::size_t size, int fill);
+errno_t _wcsset_s(wchar_t* text, std::size_t size, wchar_t fill);
+char* strtok_s(char* text, const char* delimiters, char** context);
+wchar_t* wcstok_s(wchar_t* text, const wchar_t* delimiters, wchar_t** context);
+wchar_t* _wcsrev(wchar_t* text);
+int _wcsicmp(const wchar_t* a, const wchar_t* b);
+int _wcsnicmp(const wchar_t* a, const wchar_t* b, std::size_t count);
+
+errno_t _itoa_s(int value, char* to, std::size_t size, int radix);
+errno_t _itow_s(int value, wchar_t* to, std::size_t size, int radix);
+errno_t _ltoa_s(long value, char* to, std::size_t size, int radix);
+errno_t _ltow_s(long value, wchar_t* to, std::size_t size, int radix);
+errno_t _gcvt_s(char* to, std::size_t size, double value, int digits);
+int _wtoi(const wchar_t* text);
+long _wtol(const wchar_t* text);
+double _wtof(const wchar_t* text);
+
+errno_t _splitpath_s(const char* path, char* drive, std::size_t driveSize, char* dir, std::size_t dirSize, char* name,
+                     std::size_t nameSize, char* ext, std::size_t extSize);
+errno_t _wsplitpath_s(const wchar_t* path, wchar_t* drive, std::size_t driveSize, wchar_t* dir, std::size_t dirSize,
+                      wchar_t* name, std::size_t nameSize, wchar_t* ext, std::size_t extSize);
+errno_t _makepath_s(char* to, std::size_t size, const char* drive, const char* dir, const char* name, const char* ext);
+errno_t _wmakepath_s(wchar_t* to, std::size_t size, const wchar_t* drive, const wchar_t* dir, const wchar_t* name,
+                     const wchar_t* ext);
+
+// The copies that _dupenv_s hands out come from malloc.
+errno_t _dupenv_s(char** copy, std::size_t* count, const char* name);
+errno_t _wdupenv_s(wchar_t** copy, std::size_t* count, const wchar_t* name);
+errno_t _searchenv_s(const char* file, const char* variable, char* path, std::size_t size);
+errno_t _wsearchenv_s(const wchar_t* file, const wchar_t* variable, wchar_t* path, std::size_t size);
+errno_t strerror_s(char* to, std::size_t size, int error);
+errno_t _wcserror_s(wchar_t* to, std::size_t size, int error);
+
+errno_t _strtime_s(char* to, std::size_t size);
+errno_t _wstrtime_s(wchar_t* to, std::size_t size);
+errno_t _strdate_s(char* to, std::size_t size);
+errno_t _wstrdate_s(wchar_t* to, std::size_t size);
+errno_t _localtime64_s(std::tm* result, const __time64_t* time);
+
+// ---- formatted text (posix/FormattedText.cpp, ScannedText.cpp) ------------------------------------------------------
+
+// The Windows meaning of every conversion: in a wide format %s takes wide text and %S 8-bit text, in a narrow one the
+// other way round; %n and unknown conversions are refused. Results count units without the terminator; -1 where the
+// text does not fit or the format is refused, and the destination is then empty. The _vsc forms only count.
+int vsprintf_s(char* to, std::size_t size, const char* format, std::va_list args);
+int vswprintf_s(wchar_t* to, std::size_t size, const wchar_t* format, std::va_list args);
+int _vscprintf(const char* format, std::va_list args);
+int _vscwprintf(const wchar_t* format, std::va_list args);
+int vfprintf_s(std::FILE* stream, const char* format, std::va_list args);
+int vfwprintf_s(std::FILE* stream, const wchar_t* format, std::va_list args);
+
+// Text conversions (%s %c %[) are followed by the size of their buffer as unsigned int.
+int sscanf_s(const char* text, const char* format, ...);
+int swscanf_s(const wchar_t* text, const wchar_t* format, ...);
+int fwscanf_s(std::FILE* stream, const wchar_t* format, ...);
+
+// ---- streams (posix/Streams.cpp) ------------------------------------------------------------------------------------
+
+// Opens a stream in a Windows mode: text mode (CR LF on disk) unless the mode has a b, "ccs=" encodings in text mode.
+errno_t _wfopen_s(std::FILE** stream, const wchar_t* name, const wchar_t* mode);
+
+int _wremove(const wchar_t* path);
+int _wrename(const wchar_t* oldName, const wchar_t* newName);
+int _wchdir(const wchar_t* path);
+int _wmkdir(const wchar_t* path);
+int _wrmdir(const wchar_t* path);
+
+// How setmode has a stream translated: 8-bit text, none at all, UTF-16 or UTF-8 text.
+enum { _O_TEXT = 0x4000, _O_BINARY = 0x8000, _O_WTEXT = 0x10000, _O_U8TEXT = 0x40000 };
+
+namespace crt {
+
+// Streams opened by _wfopen_s are read, written and closed through these, never through the C library's own.
+int fclose(std::FILE* stream);
+int feof(std::FILE* stream);
+char* fgets(char* buffer, int count, std::FILE* stream);
+wchar_t* fgetws(wchar_t* buffer, int count, std::FILE* stream);
+unsigned short fgetwc(std::FILE* stream);
+int fputs(const char* text, std::FILE* stream);
+int fputws(const wchar_t* text, std::FILE* stream);
+std::size_t fread(void* buffer, std::size_t size, std::size_t count, std::FILE* stream);
+int fseek(std::FILE* stream, long offset, int origin);
+long ftell(std::FILE* stream);
+
+// Changes how an open stream is translated from the next read on, which must follow a change of position. The mode
+// that it had; Windows answers _O_WTEXT for every encoding.
+int setmode(std::FILE* stream, int mode);
+
+int iswalpha(unsigned short unit);
+int iswalnum(unsigned short unit);
+int iswdigit(unsigned short unit);
+
+std::size_t strftime(char* to, std::size_t size, const char* format, const std::tm* time);
+
+}  // namespace crt
+
+// ---- file search (posix/FileSearch.cpp) -----------------------------------------------------------------------------
+
+struct FILETIME {
+    DWORD dwLowDateTime;
+    DWORD dwHighDateTime;
+};
+
+struct WIN32_FIND_DATAW {
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime;
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    DWORD nFileSizeHigh;
+    DWORD nFileSizeLow;
+    DWORD dwReserved0;
+    DWORD dwReserved1;
+    wchar_t cFileName[MAX_PATH];
+    wchar_t cAlternateFileName[14];
+};
+
+enum : DWORD { FILE_ATTRIBUTE_DIRECTORY = 0x10, FILE_ATTRIBUTE_NORMAL = 0x80 };
+
+HANDLE FindFirstFileW(const wchar_t* pattern, WIN32_FIND_DATAW* found);
+BOOL FindNextFileW(HANDLE search, WIN32_FIND_DATAW* found);
+BOOL FindClose(HANDLE search);
+
+// ---- the module -----------------------------------------------------------------------------------------------------
+
+using HINSTANCE = void*;
+using LPVOID = void*;
+#    define WINAPI
+enum : DWORD { DLL_PROCESS_DETACH = 0, DLL_PROCESS_ATTACH = 1, DLL_THREAD_ATTACH = 2, DLL_THREAD_DETACH = 3 };
+
+#endif
