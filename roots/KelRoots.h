@@ -1,0 +1,10 @@
+// Everything that KelRoots offers, in one include.
+#pragma once
+
+#include <roots/containers/BryArray.h>
+#include <roots/containers/BryMemoryController.h>
+#include <roots/files/BryFileAccess.h>
+#include <roots/files/BryGlobalStorage.h>
+#include <roots/numbering/BryNumberCreator.h>
+#include <roots/text/BryRuntime.h>
+#include <roots/text/BryString.h>

@@ -1,0 +1,26 @@
+// Every process-wide object of the library, in the order in which they come up, and the entry point. Objects of
+// different files would come up in no defined order.
+
+#include <roots/files/BryGlobalStorage.h>
+#include <roots/platform/Win32.h>
+#include <roots/text/BryString.h>
+
+// Allocated but not touched: they cost address space until a text is composed in them. They and the empty body live
+// until the process ends, because strings of the hosts may outlive any destructor here.
+wchar_t* BryString::BryStringTempBufferWide = new wchar_t[0x80000];
+char* BryString::BryStringTempBuffer = new char[0x80000];
+BryStringRepr* BryString::m_repEmpty = new BryStringRepr(L"");
+
+BryString* BryGlobalStorage::g_pAcadSupportPaths = nullptr;
+
+namespace library {
+
+HINSTANCE g_module = nullptr;  // the library's own module, whose resources it loads
+
+}  // namespace library
+
+// The system calls this when the library is loaded, after the objects above are made, and for each new thread.
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
+    if (reason == DLL_PROCESS_ATTACH || reason == DLL_THREAD_ATTACH) library::g_module = module;
+    return TRUE;
+}
