@@ -1,0 +1,56 @@
+# Called by CTest: makes a host project from README.md's first program, builds it and compares what it prints.
+function(run)
+    execute_process(COMMAND ${ARGV} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
+    if(NOT status EQUAL 0)
+        message(FATAL_ERROR "${ARGV} failed (${status}):\n${output}")
+    endif()
+    set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+file(READ ${source_dir}/README.md readme)
+string(REGEX MATCH "```cpp\n([^`]*)```[^`]*```text\n([^`]*)```" found "${readme}")
+set(program "${CMAKE_MATCH_1}")
+set(expected "${CMAKE_MATCH_2}")
+if(NOT found)
+    message(FATAL_ERROR "README.md has no program followed by what it prints")
+endif()
+
+file(REMOVE_RECURSE ${work_dir})
+file(WRITE ${work_dir}/main.cpp "${program}")
+set(lists "cmake_minimum_required(VERSION 3.25)\nproject(Host CXX)\n")
+if(way STREQUAL installed)
+    run(${CMAKE_COMMAND} --install ${binary_dir} --prefix ${work_dir}/prefix)
+    string(APPEND lists "find_package(KelRoots REQUIRED)\n")
+else()
+    string(APPEND lists "add_subdirectory(${source_dir} kelroots)\n"
+                        "set(CMAKE_RUNTIME_OUTPUT_DIRECTORY \${CMAKE_BINARY_DIR}/kelroots/roots)\n")
+endif()
+string(APPEND lists "add_executable(host main.cpp)\n"
+                    "target_link_libraries(host PRIVATE KelRoots::KelRoots)\n"
+                    "target_compile_options(host PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Werror)\n")
+if(sanitize AND way STREQUAL installed)  # a subdirectory is built without them
+    string(APPEND lists "target_link_options(host PRIVATE -fsanitize=address,undefined)\n")
+endif()
+file(WRITE ${work_dir}/CMakeLists.txt "${lists}")
+
+set(arguments -G Ninja -DCMAKE_BUILD_TYPE=${build_type} -DCMAKE_PREFIX_PATH=${work_dir}/prefix
+              -DKelRoots_DIR=${work_dir}/prefix/lib/cmake/KelRoots)
+if(toolchain)
+    list(APPEND arguments -DCMAKE_TOOLCHAIN_FILE=${toolchain})
+else()
+    list(APPEND arguments -DCMAKE_CXX_COMPILER=${compiler})
+endif()
+run(${CMAKE_COMMAND} -S ${work_dir} -B ${work_dir}/build ${arguments})
+run(${CMAKE_COMMAND} --build ${work_dir}/build)
+
+file(GLOB_RECURSE host ${work_dir}/build/host ${work_dir}/build/host.exe)
+if(emulator AND way STREQUAL installed)
+    file(GLOB libraries ${work_dir}/prefix/bin/*.dll)
+    get_filename_component(beside ${host} DIRECTORY)
+    file(COPY ${libraries} DESTINATION ${beside})
+endif()
+run(${emulator} ${host})
+string(REPLACE "\r\n" "\n" output "${output}")
+if(NOT output STREQUAL expected)
+    message(FATAL_ERROR "README.md says:\n${expected}\nbut the program prints:\n${output}")
+endif()
