@@ -20,7 +20,9 @@ struct Units {
     __m128i v;
 
     static Units fill(int unit) noexcept { return {_mm_set1_epi16(static_cast<short>(unit))}; }
-    static Units load(const wchar_t* p) noexcept { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
+    KELROOTS_READS_AHEAD static Units load(const wchar_t* p) noexcept {
+        return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))};
+    }
     void store(wchar_t* p) const noexcept { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
     Units equals(Units o) const noexcept { return {_mm_cmpeq_epi16(v, o.v)}; }
     Units both(Units o) const noexcept { return {_mm_and_si128(v, o.v)}; }

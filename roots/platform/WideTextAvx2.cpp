@@ -14,7 +14,9 @@ struct Avx2 {
     __m256i v;
 
     static Avx2 fill(int unit) noexcept { return {_mm256_set1_epi16(static_cast<short>(unit))}; }
-    static Avx2 load(const wchar_t* p) noexcept { return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))}; }
+    KELROOTS_READS_AHEAD static Avx2 load(const wchar_t* p) noexcept {
+        return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))};
+    }
     void store(wchar_t* p) const noexcept { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
     Avx2 equals(Avx2 o) const noexcept { return {_mm256_cmpeq_epi16(v, o.v)}; }
     Avx2 both(Avx2 o) const noexcept { return {_mm256_and_si256(v, o.v)}; }

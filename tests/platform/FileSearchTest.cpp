@@ -17,7 +17,8 @@ class FileSearch : public testing::Test {
 protected:
     void SetUp() override {
         for (const char* name : {"d", "d/inner"}) std::filesystem::create_directory(name);
-        for (const char* name : {"c", "a.txt", "a.tx", "ab.txt", "abc.tar.gz", "B.TXT", ".hid", "a b", "d/in.txt"}) writeFile(name, "four");
+        for (const char* name : {"c", "a.txt", "a.tx", "ab.txt", "abc.tar.gz", "B.TXT", ".hid", "a b", "d/in.txt"})
+            writeFile(name, "four");
     }
 
     TempFolder folder;
@@ -56,12 +57,13 @@ TEST_F(FileSearch, FindsTheNamesThatFit) {
         {L"?", ". c d"},                {L"??", ".."},                  {L"?????", "a.txt B.TXT"}, {L"?.", ". c d"},
         {L"a.??", "a.tx"},              {L"a.???", "a.txt"},            {L"a.????", "error 2"}, {L"a?.txt", "ab.txt"},
         {L"a??.txt", "error 2"},        {L"*.txt", "a.txt ab.txt B.TXT"}, {L"*.TX?", "a.txt ab.txt B.TXT"},
-        {L"*.gz", "abc.tar.gz"},        {L"*tar*", "abc.tar.gz"},       {L"abc.*.gz", "abc.tar.gz"}, {L"*.*gz", "abc.tar.gz"},
-        {L"ab*.t*t", "ab.txt"},         {L"?.*", ". .. a.tx a.txt B.TXT c d"}, {L"*.??", "a.tx abc.tar.gz"},
+        {L"*.gz", "abc.tar.gz"},        {L"*tar*", "abc.tar.gz"},       {L"*.*gz", "abc.tar.gz"},
+        {L"abc.*.gz", "abc.tar.gz"},    {L"ab*.t*t", "ab.txt"},         {L"?.*", ". .. a.tx a.txt B.TXT c d"}, {L"*.??", "a.tx abc.tar.gz"},
         {L".h*", ".hid"},               {L"*hid", ".hid"},              {L"a ?", "a b"},        {L"a.txt.", "a.txt"},
         {L"a.txt ", "a.txt"},           {L"A.TXT", "a.txt"},            {L"b.txt", "B.TXT"},    {L"none", "error 2"},
         {L"d", "d"},                    {L"d\\", "error 2"},            {L"d\\.", "d"},         {L"d\\inner\\..", "d"},
-        {L"d\\*", ". .. in.txt inner"}, {L"d/*.txt", "in.txt"},         {L".\\d\\IN.TXT", "in.txt"}, {L"d\\none", "error 2"},
+        {L"d\\*", ". .. in.txt inner"}, {L"d/*.txt", "in.txt"},         {L".\\d\\IN.TXT", "in.txt"},
+        {L"d\\none", "error 2"},
         {L"none\\*", "error 3"},        {L"none\\x", "error 3"},        {L"", "error 3"},       {L"*\\x", "error 123"},
         {L"d*\\in.txt", "error 123"},   {L"q:\\*", "error 3"},          {L"a<b", "error 2"},
     };
@@ -78,7 +80,8 @@ TEST_F(FileSearch, TellsSizeKindAndTimes) {
     EXPECT_EQ(data.nFileSizeHigh, 0u);
     EXPECT_EQ(data.nFileSizeLow, 4u);
     EXPECT_EQ(narrow(data.cFileName), "a.txt");
-    const std::int64_t written = static_cast<std::int64_t>(data.ftLastWriteTime.dwHighDateTime) << 32 | data.ftLastWriteTime.dwLowDateTime;
+    const FILETIME& time = data.ftLastWriteTime;
+    const std::int64_t written = static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
     EXPECT_NEAR(static_cast<double>(written / 10000000 - 11644473600), static_cast<double>(std::time(nullptr)), 60.0);
 
     search = FindFirstFileW(L"d", &data);
@@ -104,7 +107,8 @@ class NamesOnDisk : public FileSearch {
 
 TEST_F(NamesOnDisk, AreFoundInAnyCaseAndOpenedAsTheyAre) {
     // UTF-8 of one to four bytes; Latin-1; half a sequence; half a pair as it would be encoded
-    const std::string names[] = {"B\xC3\xA4r", "\xD0\x9A", "\xE2\x82\xAC", "x\xF0\x9F\x98\x80", "B\xE4r", "y\xE2\x82", "z\xED\xA0\x80"};
+    const std::string names[] = {"B\xC3\xA4r", "\xD0\x9A", "\xE2\x82\xAC", "x\xF0\x9F\x98\x80",
+                                 "B\xE4r", "y\xE2\x82", "z\xED\xA0\x80"};
     for (const std::string& name : names) writeFile(name, name);
     WIN32_FIND_DATAW data;
     std::size_t count = 0;
@@ -127,6 +131,11 @@ TEST_F(NamesOnDisk, AreFoundInAnyCaseAndOpenedAsTheyAre) {
     ASSERT_NE(single, INVALID_HANDLE_VALUE);
     EXPECT_EQ(data.cFileName[1], 0xE4);
     FindClose(single);
+}
+
+TEST_F(NamesOnDisk, MayBeLinksThatLeadNowhere) {
+    std::filesystem::create_symlink("nowhere", "link");
+    EXPECT_EQ(found(L"link"), "link");
 }
 
 TEST_F(NamesOnDisk, MayBeHalfPairs) {

@@ -1,10 +1,12 @@
 #include <roots/platform/Win32.h>
 #include <tests/support/Platform.h>
+#include <tests/support/Units.h>
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
 #include <charconv>
+#include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -15,20 +17,12 @@
 
 namespace {
 
-constexpr int kLeast = std::numeric_limits<int>::min();
-constexpr int kMost = std::numeric_limits<int>::max();
+constexpr int kLeast = INT_MIN, kMost = INT_MAX;
 
 int text(int value, char* to, std::size_t size, int radix) { return _itoa_s(value, to, size, radix); }
 int text(int value, wchar_t* to, std::size_t size, int radix) { return _itow_s(value, to, size, radix); }
 int text(long value, char* to, std::size_t size, int radix) { return _ltoa_s(value, to, size, radix); }
 int text(long value, wchar_t* to, std::size_t size, int radix) { return _ltow_s(value, to, size, radix); }
-
-template <class Unit>
-std::string narrow(const Unit* units) {
-    std::string result;
-    while (*units != 0) result += static_cast<char>(*units++);
-    return result;
-}
 
 std::string reference(int value, int radix) {
     char digits[40];
@@ -85,70 +79,85 @@ TEST(GcvtS, KeepsThePointAndGoesToAnExponentOutsideItsDigits) {
     const struct {
         double value;
         int digits;
-        std::size_t size;
-        int error;
         const char *text, *wine;  // Wine leaves the point out and stays fixed down to 0.0001
-    } rows[] = {
-        {0, 6, 100, 0, "0.", "0"},
-        {-0.0, 6, 100, 0, "-0.", "-0"},
-        {3, 6, 100, 0, "3.", "3"},
-        {-3, 6, 100, 0, "-3.", "-3"},
-        {1.5, 6, 100, 0, "1.5", nullptr},
-        {100, 3, 100, 0, "100.", "100"},
-        {100, 2, 100, 0, "1.e+002", "1e+002"},
-        {123456, 6, 100, 0, "123456.", "123456"},
-        {999999.5, 6, 100, 0, "1.e+006", "1e+006"},
-        {99.5, 2, 100, 0, "1.e+002", "1e+002"},
-        {123456, 5, 100, 0, "1.2346e+005", nullptr},
-        {0.5, 6, 100, 0, "0.5", nullptr},
-        {0.1, 6, 100, 0, "0.1", nullptr},
-        {0.09999996, 6, 100, 0, "0.1", nullptr},
-        {0.01, 6, 100, 0, "1.e-002", "0.01"},
-        {-0.00125, 6, 100, 0, "-1.25e-003", "-0.00125"},
-        {0.00001, 6, 100, 0, "1.e-005", "1e-005"},
-        {2.5, 1, 100, 0, "3.", "3"},
-        {0.125, 2, 100, 0, "0.13", nullptr},
-        {0.15, 1, 100, 0, "0.1", nullptr},  // the double is below 0.15
-        {0.35, 1, 100, 0, "0.3", nullptr},
-        {0.45, 1, 100, 0, "0.5", nullptr},  // the double is above 0.45
-        {644691725, 8, 100, 0, "6.4469173e+008", nullptr},
-        {2.5e21, 1, 100, 0, "3.e+021", "3e+021"},
-        {0x1.8p-30, 1, 100, 0, "1.e-009", "1e-009"},
-        {1.0 / 3, 0, 100, 0, "0.3", nullptr},
-        {12345.678, 0, 100, 0, "1.e+004", "1e+004"},
-        {0.1, 17, 100, 0, "0.10000000000000001", nullptr},
-        {1.0 / 3, 40, 100, 0, "0.3333333333333333148296162562473909929395", nullptr},
-        {1e20, 40, 100, 0, "100000000000000000000.", "100000000000000000000"},
-        {1e100, 6, 100, 0, "1.e+100", "1e+100"},
-        {kLargest, 6, 100, 0, "1.79769e+308", nullptr},
-        {kSmallest, 6, 100, 0, "4.94066e-324", nullptr},
-        {kInfinity, 6, 100, 0, "1.#INF", nullptr},
-        {-kInfinity, 7, 100, 0, "-1.#INF", nullptr},
-        {1.5, 6, 6, 34, "", nullptr},
-        {1.5, 6, 7, 0, "1.5", nullptr},
-        {-1.5, 2, 4, 34, "", "-1.5"},  // Wine writes the terminator behind the size
-        {-1.5, 2, 5, 0, "-1.5", nullptr},
-        {1234567, 3, 9, 34, "", "1.23e+006"},
-        {1234567, 3, 10, 0, "1.23e+006", nullptr},
-        {1.5, -1, 100, 34, "", nullptr},
-        {1.5, kMost, 100, 34, "", nullptr},
-    };
+    } rows[] = {{0, 6, "0.", "0"},
+                {-0.0, 6, "-0.", "-0"},
+                {3, 6, "3.", "3"},
+                {-3, 6, "-3.", "-3"},
+                {100, 3, "100.", "100"},
+                {100, 2, "1.e+002", "1e+002"},
+                {123456, 6, "123456.", "123456"},
+                {999999.5, 6, "1.e+006", "1e+006"},
+                {99.5, 2, "1.e+002", "1e+002"},
+                {0.01, 6, "1.e-002", "0.01"},
+                {-0.00125, 6, "-1.25e-003", "-0.00125"},
+                {0.00001, 6, "1.e-005", "1e-005"},
+                {2.5, 1, "3.", "3"},
+                {2.5e21, 1, "3.e+021", "3e+021"},
+                {0x1.8p-30, 1, "1.e-009", "1e-009"},
+                {12345.678, 0, "1.e+004", "1e+004"},
+                {1e100, 6, "1.e+100", "1e+100"},
+                {1e20, 40, "100000000000000000000.", "100000000000000000000"}};
+    const struct {
+        double value;
+        int digits;
+        const char* text;
+    } everywhere[] = {{1.5, 6, "1.5"},
+                      {0.5, 6, "0.5"},
+                      {0.1, 6, "0.1"},
+                      {0.09999996, 6, "0.1"},
+                      {123456, 5, "1.2346e+005"},
+                      {0.125, 2, "0.13"},
+                      {0.15, 1, "0.1"},
+                      {0.45, 1, "0.5"},
+                      {644691725, 8, "6.4469173e+008"},
+                      {1.0 / 3, 0, "0.3"},
+                      {0.1, 17, "0.10000000000000001"},
+                      {kLargest, 6, "1.79769e+308"},
+                      {kSmallest, 6, "4.94066e-324"},
+                      {kInfinity, 6, "1.#INF"},
+                      {-kInfinity, 7, "-1.#INF"},
+                      {1.0 / 3, 40, "0.3333333333333333148296162562473909929395"}};
+    char to[101];
     for (const auto& row : rows) {
-        std::string to(101, '#');
-        const char* const expected = underWine() && row.wine != nullptr ? row.wine : row.text;
-        EXPECT_EQ(_gcvt_s(&to[0], row.size, row.value, row.digits), *expected != '\0' ? 0 : row.error) << expected;
-        EXPECT_EQ(to.c_str(), std::string(expected)) << row.value << " to " << row.digits << " digits";
+        EXPECT_EQ(_gcvt_s(to, 101, row.value, row.digits), 0) << row.text;
+        EXPECT_STREQ(to, underWine() ? row.wine : row.text);
     }
-    char untouched = '#';
-    EXPECT_EQ(_gcvt_s(&untouched, 0, 1.5, 6), 34);
-    EXPECT_EQ(untouched, '#');
-    EXPECT_EQ(_gcvt_s(nullptr, 9, 1.5, 6), 22);
+    for (const auto& row : everywhere) {
+        EXPECT_EQ(_gcvt_s(to, 101, row.value, row.digits), 0) << row.text;
+        EXPECT_STREQ(to, row.text);
+    }
     char large[1200];
     for (const int digits : {700, 767, 768, 1100}) {  // no double has more than 767
         EXPECT_EQ(_gcvt_s(large, sizeof large, std::nextafter(0x1p-1021, 0), digits), 0);
         EXPECT_EQ(_gcvt_s(large, sizeof large, kLargest, digits), 0);
         EXPECT_EQ(std::strtod(large, nullptr), kLargest) << digits;
     }
+}
+
+TEST(GcvtS, NeedsMoreRoomThanDigits) {
+    const struct {
+        double value;
+        int digits;
+        std::size_t size;
+        const char* text;  // null where it does not fit
+    } rows[] = {{1.5, 6, 6, nullptr},
+                {1.5, 6, 7, "1.5"},
+                {-1.5, 2, 5, "-1.5"},
+                {1234567, 3, 10, "1.23e+006"},
+                {-1.5, 2, underWine() ? 3u : 4u, nullptr},  // Wine writes the terminator behind the size
+                {1234567, 3, underWine() ? 8u : 9u, nullptr},
+                {1.5, -1, 99, nullptr},
+                {1.5, INT_MAX, 99, nullptr}};
+    for (const auto& row : rows) {
+        char to[100] = "#";
+        EXPECT_EQ(_gcvt_s(to, row.size, row.value, row.digits), row.text != nullptr ? 0 : 34) << row.size;
+        EXPECT_STREQ(to, row.text != nullptr ? row.text : "") << row.size;
+    }
+    char untouched = '#';
+    EXPECT_EQ(_gcvt_s(&untouched, 0, 1.5, 6), 34);
+    EXPECT_EQ(untouched, '#');
+    EXPECT_EQ(_gcvt_s(nullptr, 9, 1.5, 6), 22);
 }
 
 // The printf family rounds the half of the last digit to even, Windows up.
@@ -177,37 +186,29 @@ TEST(Wtoi, ReadsDigitsOfManyScriptsAndStopsAtTheLimits) {
     const struct {
         const wchar_t* text;
         int value, error;
-    } rows[] = {
-        {L"", 0, 0},
-        {L"12abc", 12, 0},
-        {L" \t\n\v\f\r-12", -12, 0},
-        {L"+5", 5, 0},
-        {L"+-5", 0, 0},
-        {L"- 5", 0, 0},
-        {L"0x10", 0, 0},
-        {L"010", 10, 0},
-        {L"1.9", 1, 0},
-        {L"2147483647", kMost, 0},
-        {L"2147483648", kMost, 34},
-        {L"-2147483648", kLeast, 0},
-        {L"-2147483649", kLeast, 34},
-        {L"99999999999999999999999999999999999999", kMost, 34},
-        {L"-4294967295", kLeast, 34},
-        {L"\x00A0\x3000\x2009"
-         L"7",
-         7, 0},
-        {L"\x200B"
-         L"7",
-         0, 0},
-        {L"-\xFF11\xFF12", -12, 0},
-        {L"\xFF0D"
-         L"5",
-         0, 0},
-        {L"\x0661\x06F2\x0033", 123, 0},
-        {L"\x0669\x066A", 9, 0},
-        {L"1\x0E59\xFF10\xFF1A", 190, 0},
-        {L"\x00B2", 0, 0},
-    };
+    } rows[] = {{L"", 0, 0},
+                {L"12abc", 12, 0},
+                {L" \t\n\v\f\r-12", -12, 0},
+                {L"+5", 5, 0},
+                {L"+-5", 0, 0},
+                {L"- 5", 0, 0},
+                {L"0x10", 0, 0},
+                {L"010", 10, 0},
+                {L"1.9", 1, 0},
+                {L"2147483647", kMost, 0},
+                {L"2147483648", kMost, 34},
+                {L"-2147483648", kLeast, 0},
+                {L"-2147483649", kLeast, 34},
+                {L"-4294967295", kLeast, 34},
+                {L"99999999999999999999", kMost, 34},
+                {L"\xA0\x3000\x2009+7", 7, 0},
+                {L"\x200B+7", 0, 0},
+                {L"-\xFF11\xFF12", -12, 0},
+                {L"\xFF0D\xFF15", 0, 0},
+                {L"\x661\x6F2\x33", 123, 0},
+                {L"\x669\x66A", 9, 0},
+                {L"1\xE59\xFF10\xFF1A", 190, 0},
+                {L"\xB2", 0, 0}};
     for (const auto& row : rows) {
         errno = 0;
         EXPECT_EQ(_wtoi(row.text), row.value) << &row - rows;
@@ -222,58 +223,54 @@ TEST(Wtoi, ReadsDigitsOfManyScriptsAndStopsAtTheLimits) {
     EXPECT_EQ(digits, 170);
 }
 
-std::vector<wchar_t> wide(const std::string& text) { return {text.c_str(), text.c_str() + text.size() + 1}; }
+double read(const std::string& text) { return _wtof(units<wchar_t>(text).data()); }
 
 TEST(Wtof, IsExactForAnyLength) {
-    const std::string zeros(5000, '0'), nines(400, '9');
     const struct {
-        std::string text;
+        const char* text;
         double value;
-    } rows[] = {
-        {"", 0},
-        {"-1.5", -1.5},
-        {"+.5", 0.5},
-        {".", 0},
-        {"1.", 1},
-        {"-", 0},
-        {" \t\n\v\f\r7", 7},
-        {"1e5x", 1e5},
-        {"1d5", 1e5},
-        {"1D-2", 0.01},
-        {"1E+2", 100},
-        {"1e", 1},
-        {"1e+", 1},
-        {"1e 5", 1},
-        {"1 e5", 1},
-        {".e5", 0},
-        {"1..5", 1},
-        {"1,5", 1},
-        {"inf", 0},
-        {"nan", 0},
-        {"0x10", 0},
-        {"1e400", kInfinity},
-        {"-1e400", -kInfinity},
-        {"1e99999999999999999999", kInfinity},
-        {"1e-99999999999999999999", 0},
-        {"0e99999999999", 0},
-        {"1e-400", 0},
-        {"5e-324", kSmallest},
-        {"2.4703282292062327e-324", 0},
-        {"2.4703282292062328e-324", kSmallest},
-        {"1.7976931348623158e308", kLargest},
-        {"1.7976931348623159e308", kInfinity},
-        {"9007199254740993", 9007199254740992},
-        {"9007199254740993." + zeros, 9007199254740992},
-        {"9007199254740993." + zeros + "1", 9007199254740994},
-        {zeros + "1" + zeros + "e-5000", 1},
-        {"0." + zeros + "1e5001", 1},
-        {"0." + zeros + "1", 0},
-        {nines + "." + nines, kInfinity},
-        {"0." + nines, 1},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(_wtof(wide(row.text).data()), row.value) << row.text.substr(0, 40) << " of " << row.text.size();
-    }
+    } rows[] = {{"", 0},
+                {"-1.5", -1.5},
+                {"+.5", 0.5},
+                {".", 0},
+                {"1.", 1},
+                {"-", 0},
+                {" \t\n\v\f\r7", 7},
+                {"1e5x", 1e5},
+                {"1d5", 1e5},
+                {"1D-2", 0.01},
+                {"1E+2", 100},
+                {"1e", 1},
+                {"1e+", 1},
+                {"1e 5", 1},
+                {"1 e5", 1},
+                {".e5", 0},
+                {"1..5", 1},
+                {"1,5", 1},
+                {"inf", 0},
+                {"nan", 0},
+                {"0x10", 0},
+                {"1e400", kInfinity},
+                {"-1e400", -kInfinity},
+                {"1e99999999999999999999", kInfinity},
+                {"1e-99999999999999999999", 0},
+                {"0e99999999999", 0},
+                {"1e-400", 0},
+                {"5e-324", kSmallest},
+                {"2.4703282292062327e-324", 0},
+                {"2.4703282292062328e-324", kSmallest},
+                {"1.7976931348623158e308", kLargest},
+                {"1.7976931348623159e308", kInfinity},
+                {"9007199254740993", 9007199254740992}};
+    for (const auto& row : rows) EXPECT_EQ(read(row.text), row.value) << row.text;
+    const std::string zeros(5000, '0'), nines(400, '9');
+    EXPECT_EQ(read("9007199254740993." + zeros), 9007199254740992);
+    EXPECT_EQ(read("9007199254740993." + zeros + "1"), 9007199254740994);
+    EXPECT_EQ(read(zeros + "1" + zeros + "e-5000"), 1);
+    EXPECT_EQ(read("0." + zeros + "1e5001"), 1);
+    EXPECT_EQ(read("0." + zeros + "1"), 0);
+    EXPECT_EQ(read(nines + "." + nines), kInfinity);
+    EXPECT_EQ(read("0." + nines), 1);
     EXPECT_TRUE(std::signbit(_wtof(L"-0")));
     EXPECT_EQ(_wtof(L"\x00A0\x3000"
                     L"7.5"),
@@ -291,7 +288,7 @@ TEST(Wtof, ReadsBackWhatWasPrinted) {
             std::memcpy(&value, &bits, sizeof value);
         } while (!std::isfinite(value));
         std::snprintf(printed, sizeof printed, "%.17g", value);
-        ASSERT_EQ(_wtof(wide(printed).data()), value) << printed;
+        ASSERT_EQ(read(printed), value) << printed;
     }
 }
 

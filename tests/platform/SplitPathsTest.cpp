@@ -1,5 +1,6 @@
 #include <roots/platform/Win32.h>
 #include <tests/support/Platform.h>
+#include <tests/support/Units.h>
 
 #include <gtest/gtest.h>
 
@@ -25,18 +26,6 @@ int make(wchar_t* to, std::size_t size, const wchar_t* drive, const wchar_t* dir
 }
 
 template <class Unit>
-std::vector<Unit> units(const std::string& text) {
-    return std::vector<Unit>(text.c_str(), text.c_str() + text.size() + 1);
-}
-
-template <class Unit>
-std::string narrow(const Unit* text) {
-    std::string result;
-    while (*text != 0) result += static_cast<char>(*text++);
-    return result;
-}
-
-template <class Unit>
 struct SplitPaths : ::testing::Test {};
 using Widths = ::testing::Types<char, wchar_t>;
 TYPED_TEST_SUITE(SplitPaths, Widths, );
@@ -44,31 +33,29 @@ TYPED_TEST_SUITE(SplitPaths, Widths, );
 TYPED_TEST(SplitPaths, PartsEndAtTheLastSlashAndTheLastPoint) {
     const struct {
         const char *path, *parts;
-    } rows[] = {
-        {"", "|||"},
-        {"c:\\a\\b.txt", "c:|\\a\\|b|.txt"},
-        {"c:", "c:|||"},
-        {"c:a.b.c", "c:||a.b|.c"},
-        {".", "|||."},
-        {"..", "||.|."},
-        {"...", "||..|."},
-        {".a", "|||.a"},
-        {"a.", "||a|."},
-        {"a.b\\c", "|a.b\\|c|"},
-        {"a.b/", "|a.b/||"},
-        {"a\\.x", "|a\\||.x"},
-        {"a/b\\c/d.e", "|a/b\\c/|d|.e"},
-        {"a b.c d", "||a b|.c d"},
-        {"1:x", "1:||x|"},
-        {"::", "::|||"},
-        {":", "||:|"},
-        {":a", "||:a|"},
-        {"a:b:c", "a:||b:c|"},
-        {"cc:\\a", "|cc:\\|a|"},
-        {"c:\\", "c:|\\||"},
-        {"\\\\srv\\share\\f.e", "|\\\\srv\\share\\|f|.e"},
-        {"\\\\?\\c:\\x\\y.z", "|\\\\?\\c:\\x\\|y|.z"},
-    };
+    } rows[] = {{"", "|||"},
+                {"c:\\a\\b.txt", "c:|\\a\\|b|.txt"},
+                {"c:", "c:|||"},
+                {"c:a.b.c", "c:||a.b|.c"},
+                {".", "|||."},
+                {"..", "||.|."},
+                {"...", "||..|."},
+                {".a", "|||.a"},
+                {"a.", "||a|."},
+                {"a.b\\c", "|a.b\\|c|"},
+                {"a.b/", "|a.b/||"},
+                {"a\\.x", "|a\\||.x"},
+                {"a/b\\c/d.e", "|a/b\\c/|d|.e"},
+                {"a b.c d", "||a b|.c d"},
+                {"1:x", "1:||x|"},
+                {"::", "::|||"},
+                {":", "||:|"},
+                {":a", "||:a|"},
+                {"a:b:c", "a:||b:c|"},
+                {"cc:\\a", "|cc:\\|a|"},
+                {"c:\\", "c:|\\||"},
+                {"\\\\srv\\share\\f.e", "|\\\\srv\\share\\|f|.e"},
+                {"\\\\?\\c:\\x\\y.z", "|\\\\?\\c:\\x\\|y|.z"}};
     for (const auto& row : rows) {
         TypeParam drive[9], dir[40], name[40], ext[40];
         EXPECT_EQ(split(units<TypeParam>(row.path).data(), drive, 9, dir, 40, name, 40, ext, 40), 0) << row.path;
@@ -106,14 +93,12 @@ TYPED_TEST(SplitPaths, AreMadeOfPartsWithWhatSeparatesThem) {
     const char* const null = nullptr;
     const struct {
         const char *drive, *dir, *name, *ext, *path;
-    } rows[] = {
-        {"c", "a", "b", "t", "c:a\\b.t"}, {"cd", "a\\", "b", ".t", "c:a\\b.t"},
-        {":", "a/", "b", ".", "::a/b."},  {"", "", "", "", ""},
-        {null, null, null, null, ""},     {null, "a", "\\b", null, "a\\\\b"},
-        {null, "", "b", "..x", "b..x"},   {"c", null, "b", "", "c:b"},
-        {"c:", "\\", "", "t", "c:\\.t"},  {null, "\\", "b", null, "\\b"},
-        {null, null, null, "t", ".t"},
-    };
+    } rows[] = {{"c", "a", "b", "t", "c:a\\b.t"}, {"cd", "a\\", "b", ".t", "c:a\\b.t"},
+                {":", "a/", "b", ".", "::a/b."},  {"", "", "", "", ""},
+                {null, null, null, null, ""},     {null, "a", "\\b", null, "a\\\\b"},
+                {null, "", "b", "..x", "b..x"},   {"c", null, "b", "", "c:b"},
+                {"c:", "\\", "", "t", "c:\\.t"},  {null, "\\", "b", null, "\\b"},
+                {null, null, null, "t", ".t"}};
     for (const auto& row : rows) {
         std::vector<TypeParam> parts[4];
         const TypeParam* at[4];

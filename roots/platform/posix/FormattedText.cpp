@@ -233,7 +233,7 @@ void Formatter<Unit>::readSize(const Unit*& at, Options& options) {
         if (options.bits != 64) options.bits = bits;
     };
     for (;; ++at) {
-        const bool twice = at[0] == at[1];  // hh, ll
+        const bool twice = *at != 0 && at[1] == *at;  // hh, ll
         switch (*at) {
             case 'h':
                 setBits(twice ? 8 : 16);

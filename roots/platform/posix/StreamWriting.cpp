@@ -28,9 +28,9 @@ public:
 
     void put(const wchar_t* text, std::size_t length) {
         switch (m_stream.encoding) {
-            case Encoding::eBytes: return putAll(text, length, &BlockWriter::putByteUnit);
-            case Encoding::eUtf16: return putAll(text, length, &BlockWriter::putPlainUnit);
-            case Encoding::eUtf8: return putAll(text, length, &BlockWriter::putUtf8Unit);
+            case Encoding::eBytes: return putAll<&BlockWriter::putByteUnit>(text, length);
+            case Encoding::eUtf16: return putAll<&BlockWriter::putPlainUnit>(text, length);
+            case Encoding::eUtf8: return putAll<&BlockWriter::putUtf8Unit>(text, length);
         }
     }
 
@@ -41,8 +41,8 @@ public:
     }
 
 private:
-    template <class PutUnit>
-    void putAll(const wchar_t* text, std::size_t length, PutUnit putUnit) {
+    template <void (BlockWriter::*putUnit)(unsigned)>
+    void putAll(const wchar_t* text, std::size_t length) {
         for (std::size_t i = 0; i < length && m_good; ++i) {
             if (m_used > sizeof m_block - kMostPerUnit) flush();
             if (text[i] == L'\n' && m_stream.text) (this->*putUnit)(L'\r');
