@@ -18,6 +18,8 @@ protected:
     BryString line;
 };
 
+const File::encodeType kEncodings[] = {File::encodeANSI, File::encodeUTF8, File::encodeUTF16LE, File::encodeUNICODE};
+
 class BryStreamsTest : public BryFileAccessTest {};
 
 const std::string kUtf8Mark = "\xEF\xBB\xBF", kUtf16Mark = "\xFF\xFE";
@@ -33,8 +35,8 @@ TEST_F(BryFileAccessTest, OpensWithTheEncodingThatItKeeps) {
     EXPECT_EQ(File().isOpen(), 0);
     EXPECT_EQ(File().getCodingMethod(), File::encodeANSI);
     const struct { const wchar_t* name; const wchar_t* mode; File::encodeType encoding; int open; } rows[] = {
-        {L"", L"w", File::encodeUTF8, 0},      {L"none", L"r", File::encodeUTF16LE, 0}, {L"t", L"q", File::encodeANSI, 0},
-        {L"t", L"w", File::encodeANSI, 1},     {L"t", L"w", File::encodeUNICODE, 1},    {L"t", L"w", File::encodeUTF8, 1},
+        {L"", L"w", File::encodeUTF8, 0},  {L"none", L"r", File::encodeUTF16LE, 0}, {L"t", L"q", File::encodeANSI, 0},
+        {L"t", L"w", File::encodeANSI, 1}, {L"t", L"w", File::encodeUNICODE, 1},    {L"t", L"w", File::encodeUTF8, 1},
         {L"t", L"wb", File::encodeUTF16LE, 1},
     };
     for (const auto& row : rows) {
@@ -55,7 +57,9 @@ TEST_F(BryFileAccessTest, AnswersEveryCallWhenClosed) {
     int number = 7;
     double real = 7;
     char buffer[4];
-    EXPECT_EQ(closed.write("%d", 1) + closed.write(L"%d", 1) + closed.write(reinterpret_cast<const unsigned short*>(L"x")), 0);
+    EXPECT_EQ(closed.write("%d", 1), 0);
+    EXPECT_EQ(closed.write(L"%d", 1), 0);
+    EXPECT_EQ(closed.write(reinterpret_cast<const unsigned short*>(L"x")), 0);
     EXPECT_EQ(closed.read(buffer, 1, 4), 0u);
     EXPECT_EQ(closed.getc(), 0);
     EXPECT_EQ(closed.readString(token), 0);
@@ -173,7 +177,8 @@ TEST_F(BryFileAccessTest, MeasuresTheFileAndGoesToItsStart) {
 
 TEST_F(BryFileAccessTest, ReadsTokensAndNumbers) {
     const BryString longToken = manyOf(L"x", 300);
-    EXPECT_GE(File(L"t", L"w", File::encodeUTF16LE).puts(BryString(L" -12 HEA\x20AC\t1.5e2\nfoo 7 ") + longToken + L" z"), 0);
+    const BryString text = BryString(L" -12 HEA\x20AC\t1.5e2\nfoo 7 ") + longToken + L" z";
+    EXPECT_GE(File(L"t", L"w", File::encodeUTF16LE).puts(text), 0);
     File file(L"t", L"r", File::encodeUTF16LE);
     BryString token;
     int number = 7;
@@ -188,7 +193,8 @@ TEST_F(BryFileAccessTest, ReadsTokensAndNumbers) {
     EXPECT_EQ(real, 150);
     EXPECT_EQ(file.readDouble(real), 0);
     EXPECT_EQ(real, 150);
-    for (const BryString& expected : {BryString(L"foo"), BryString(L"7"), longToken.left(255), longToken.left(45), BryString(L"z")}) {
+    for (const BryString& expected :
+         {BryString(L"foo"), BryString(L"7"), longToken.left(255), longToken.left(45), BryString(L"z")}) {
         EXPECT_EQ(file.readString(token), 1);
         EXPECT_EQ(token, expected);
     }
@@ -199,7 +205,9 @@ TEST_F(BryFileAccessTest, ReadsTokensAndNumbers) {
 }
 
 TEST_F(BryFileAccessTest, ReadsAWholeFileByItsMark) {
-    const struct { const char* when; std::string file; unsigned count; BryString binary, text; unsigned result, textResult; } rows[] = {
+    const struct {
+        const char* when; std::string file; unsigned count; BryString binary, text; unsigned result, textResult;
+    } rows[] = {
         {"empty", "", 9, L"", L"", 0, 0},
         {"one byte", "a", 9, L"a", L"a", 1, 1},
         {"half a mark", "\xFF", 9, L"\xFF", L"\xFF", 1, 1},
@@ -215,7 +223,8 @@ TEST_F(BryFileAccessTest, ReadsAWholeFileByItsMark) {
         {"UTF-16 with the bytes of line end and Ctrl-Z", kUtf16Mark + bytes("\x1A\x04\r\n\r\0\n\0z\0"), 9,
          L"\x041A\x0A0D\r\nz", L"\x041A\x0A0D\r\nz", 5, 5},
         {"the other byte order", bytes("\xFE\xFF\0a\x20\xAC"), 9, L"a\x20AC", L"a\x20AC", 2, 2},
-        {"UTF-8", kUtf8Mark + "\xE2\x82\xAC\r\n\xF0\x9F\x98\x80", 99, L"\x20AC\r\n\xD83D\xDE00", L"\x20AC\n\xD83D\xDE00", 5, 4},
+        {"UTF-8", kUtf8Mark + "\xE2\x82\xAC\r\n\xF0\x9F\x98\x80", 99, L"\x20AC\r\n\xD83D\xDE00",
+         L"\x20AC\n\xD83D\xDE00", 5, 4},
         {"UTF-8, bounded", kUtf8Mark + "\xE2\x82\xAC\xE2\x82\xAC", 1, L"\x20AC", L"\x20AC", 1, 1},
         {"UTF-8, bounded in a pair", kUtf8Mark + "a\xF0\x9F\x98\x80z", 2, L"a", L"a", 1, 1},
         {"UTF-8, bounded behind a pair", kUtf8Mark + "a\xF0\x9F\x98\x80z", 3, L"a\xD83D\xDE00", L"a\xD83D\xDE00", 3, 3},
@@ -227,7 +236,7 @@ TEST_F(BryFileAccessTest, ReadsAWholeFileByItsMark) {
         BryString text(L"old");
         EXPECT_EQ(File(L"t", L"rb", File::encodeANSI).readFile(text, row.count), row.result) << row.when;
         EXPECT_EQ(text, row.binary) << row.when;
-        for (const File::encodeType encoding : {File::encodeANSI, File::encodeUTF8, File::encodeUTF16LE, File::encodeUNICODE}) {
+        for (const File::encodeType encoding : kEncodings) {
             text = L"old";
             EXPECT_EQ(File(L"t", L"r", encoding).readFile(text, row.count), row.textResult) << row.when << encoding;
             EXPECT_EQ(text, row.text) << row.when << encoding;
@@ -249,7 +258,7 @@ TEST_F(BryFileAccessTest, ReadsFilesLongerThanAnyBuffer) {
 }
 
 TEST_F(BryFileAccessTest, ReadsLinesAfterTheWholeFile) {
-    for (const File::encodeType encoding : {File::encodeANSI, File::encodeUTF8, File::encodeUTF16LE, File::encodeUNICODE}) {
+    for (const File::encodeType encoding : kEncodings) {
         EXPECT_GE(File(L"t", L"w", encoding).puts(L"\xE4\nb"), 0);
         File file(L"t", L"r", encoding);
         file.readFile(line, 1);
@@ -304,7 +313,8 @@ TEST_F(BryStreamsTest, ExistAsFileFolderOrPattern) {
         {L"d", 1}, {L"d\\a.txt", 1}, {L"d\\A.TXT", 1}, {L"d\\*.txt", 1}, {L"d\\?.txt", 1}, {L"*", 1},
         {L"none", 0}, {L"d\\none", 0}, {L"d\\*.doc", 0}, {L"none\\*", 0}, {L"*\\a.txt", 0}, {L"", 0},
     };
-    for (const auto& row : rows) EXPECT_EQ(bryFileExists(row.path), row.expected) << testing::PrintToString(BryString(row.path));
+    for (const auto& row : rows)
+        EXPECT_EQ(bryFileExists(row.path), row.expected) << testing::PrintToString(BryString(row.path));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <roots/platform/Win32.h>
+#include <tests/support/Environment.h>
 #include <tests/support/Platform.h>
 #include <tests/support/TempFolder.h>
 #include <tests/support/Units.h>
@@ -31,7 +32,7 @@ std::string both(std::size_t size, Narrow narrowRoutine, Wide wideRoutine) {
 }
 
 TEST(Dupenv, GivesACopyWhoseNameComparesWithoutCase) {
-    setVariable("KelRootsTest=HEA 200");
+    setEnvironment("KelRootsTest", "HEA 200");
     const char* const names[] = {"KelRootsTest", "KELROOTSTEST", "kelrootstest"};
     for (const char* name : names) {
         char* copy = nullptr;
@@ -59,8 +60,8 @@ TEST(Dupenv, GivesACopyWhoseNameComparesWithoutCase) {
 
 #ifndef _WIN32
 TEST(Dupenv, ReadsUtf8AndPrefersTheExactSpelling) {
-    setVariable("KelRootsUmlaut=\xC3\xA4\xF0\x9F\x98\x80");
-    setVariable("KELROOTSUMLAUT=other");
+    setEnvironment("KELROOTSUMLAUT", "other");
+    setEnvironment("KelRootsUmlaut", "\xC3\xA4\xF0\x9F\x98\x80");
     wchar_t* copy = nullptr;
     std::size_t count = 0;
     EXPECT_EQ(_wdupenv_s(&copy, &count, L"KelRootsUmlaut"), 0);
@@ -100,34 +101,33 @@ protected:
 
 TEST_F(SearchEnv, LooksInTheWorkingDirectoryAndThenInEachFolder) {
     const std::string slash = onWindows ? "\\" : "/", notFound = "2";
+    // clang-format off
     const struct {
         const char *list, *file;
         std::string found;
-    } rows[] = {{"KelRootsPath=d1;d2", "here.txt", here("here.txt")},
-                {"KelRootsPath=d1;d2", "one.txt", "d1" + slash + "one.txt"},
-                {"KelRootsPath=d1;d2", "two.txt", "d1" + slash + "two.txt"},
-                {"KelRootsPath=d2;d1", "two.txt", "d2" + slash + "two.txt"},
-                {"KelRootsPath=;;d1/;d2", "one.txt", "d1/one.txt"},
-                {"KelRootsPath=d1\\", "one.txt", "d1\\one.txt"},
-                {"KelRootsPath=none;\"d 3\"", "three.txt", "d 3" + slash + "three.txt"},
-                {"KelRootsPath=\"d\"2", "two.txt", "d2" + slash + "two.txt"},
-                {"KelRootsPath=\"d1;d2\"", "two.txt", notFound},
-                {"KelRootsPath=d2", "folder", "d2" + slash + "folder"},
-                {"KelRootsPath=d2", "d1\\one.txt", here("d1" + slash + "one.txt")},
-                {"KelRootsPath=d1", "..\\d2\\two.txt", "d1" + slash + "..\\d2\\two.txt"},
-                {"KelRootsPath=d1", ".\\d1\\..\\here.txt", here("here.txt")},
-                {"KelRootsPath=d1;d2", "none.txt", notFound},
-                {"KelRootsPath=d1", "", underWine() ? "d1\\" : notFound},  // Wine answers with the first folder
-                {"KelRootsPath=", "one.txt", notFound},
-                {"KelRootsPath=", "here.txt", here("here.txt")}};
+    } rows[] = {
+        {"d1;d2", "here.txt", here("here.txt")},
+        {"d1;d2", "one.txt", "d1" + slash + "one.txt"},
+        {"d1;d2", "two.txt", "d1" + slash + "two.txt"},
+        {"d2;d1", "two.txt", "d2" + slash + "two.txt"}, {";;d1/;d2", "one.txt", "d1/one.txt"},
+        {"d1\\", "one.txt", "d1\\one.txt"},
+        {"none;\"d 3\"", "three.txt", "d 3" + slash + "three.txt"},
+        {"\"d\"2", "two.txt", "d2" + slash + "two.txt"}, {"\"d1;d2\"", "two.txt", notFound},
+        {"d2", "folder", "d2" + slash + "folder"},
+        {"d2", "d1\\one.txt", here("d1" + slash + "one.txt")},
+        {"d1", "..\\d2\\two.txt", "d1" + slash + "..\\d2\\two.txt"},
+        {"d1", ".\\d1\\..\\here.txt", here("here.txt")}, {"d1;d2", "none.txt", notFound},
+        {"d1", "", underWine() ? "d1\\" : notFound},  // Wine answers with the first folder
+        {"", "one.txt", notFound}, {"", "here.txt", here("here.txt")}};
+    // clang-format on
     for (const auto& row : rows) {
-        setVariable(row.list);
+        setEnvironment("KelRootsPath", row.list);
         EXPECT_EQ(find(row.file), row.found) << row.list << ": " << row.file;
     }
 }
 
 TEST_F(SearchEnv, SaysWhereThePathDoesNotFit) {
-    setVariable("KelRootsPath=d1");
+    setEnvironment("KelRootsPath", "d1");
     EXPECT_EQ(find("one.txt", 10), "34");
     EXPECT_EQ(find("one.txt", 11), onWindows ? "d1\\one.txt" : "d1/one.txt");
     EXPECT_EQ(find("one.txt", 0), "22");
@@ -141,8 +141,8 @@ TEST_F(SearchEnv, SaysWhereThePathDoesNotFit) {
 
 #ifndef _WIN32
 TEST_F(SearchEnv, ReadsTheListsOfThisSystemToo) {
-    setVariable("KELROOTS_DRIVE_Q=d2");
-    setVariable("KelRootsPath=none:d1:q:\\");
+    setEnvironment("KELROOTS_DRIVE_Q", "d2");
+    setEnvironment("KelRootsPath", "none:d1:q:\\");
     EXPECT_EQ(find("one.txt"), "d1/one.txt");
     EXPECT_EQ(find("folder"), "q:\\folder");
 }
@@ -150,27 +150,18 @@ TEST_F(SearchEnv, ReadsTheListsOfThisSystemToo) {
 
 TEST(ErrorText, IsThatOfTheWindowsNumberCutToTheSize) {
     const bool wine = underWine();  // has other texts for half of the numbers
+    // clang-format off
     const struct {
         int error;
         const char* text;
-    } rows[] = {{0, wine ? "Success" : "No error"},
-                {1, "Operation not permitted"},
-                {2, "No such file or directory"},
-                {7, wine ? "Argument list too long" : "Arg list too long"},
-                {17, "File exists"},
-                {22, "Invalid argument"},
-                {28, "No space left on device"},
-                {34, wine ? "Numerical result out of range" : "Result too large"},
-                {36, "Resource deadlock avoided"},
-                {38, wine ? "File name too long" : "Filename too long"},
-                {41, "Directory not empty"},
-                {15, "Unknown error"},
-                {26, "Unknown error"},
-                {35, "Unknown error"},
-                {37, "Unknown error"},
-                {43, "Unknown error"},
-                {-1, "Unknown error"},
-                {INT_MIN, "Unknown error"}};
+    } rows[] = {
+        {0, wine ? "Success" : "No error"}, {1, "Operation not permitted"}, {2, "No such file or directory"},
+        {7, wine ? "Argument list too long" : "Arg list too long"}, {17, "File exists"}, {22, "Invalid argument"},
+        {28, "No space left on device"}, {34, wine ? "Numerical result out of range" : "Result too large"},
+        {36, "Resource deadlock avoided"}, {38, wine ? "File name too long" : "Filename too long"},
+        {41, "Directory not empty"}, {15, "Unknown error"}, {26, "Unknown error"}, {35, "Unknown error"},
+        {37, "Unknown error"}, {43, "Unknown error"}, {-1, "Unknown error"}, {INT_MIN, "Unknown error"}};
+    // clang-format on
     for (const auto& row : rows) {
         const std::string text = row.text;
         for (const std::size_t size : {std::size_t{399}, text.size() + 1, text.size(), std::size_t{1}}) {
@@ -222,19 +213,18 @@ TEST(ClockText, NeedsNineElements) {
 }
 
 TEST(LocalTime, ReachesFrom1970To3000) {
-    setVariable("TZ=UTC0");
+    setEnvironment("TZ", "UTC0");
+    // clang-format off
     const struct {
         __time64_t seconds;
         int error, year, month, day, hour, minute, second, weekday, yearDay;
-    } rows[] = {{0, 0, 70, 0, 1, 0, 0, 0, 4, 0},
-                {1234567890, 0, 109, 1, 13, 23, 31, 30, 5, 43},
-                {951782400, 0, 100, 1, 29, 0, 0, 0, 2, 59},
-                {32535215999, 0, 1100, 11, 31, 23, 59, 59, 3, 364},
-                {32535244799, 0, 1101, 0, 1, 7, 59, 59, 4, 0},
-                {32535244800, 22, -1, -1, -1, -1, -1, -1, -1, -1},
-                {-1, 22, -1, -1, -1, -1, -1, -1, -1, -1},
-                {INT64_MAX, 22, -1, -1, -1, -1, -1, -1, -1, -1},
-                {INT64_MIN, 22, -1, -1, -1, -1, -1, -1, -1, -1}};
+    } rows[] = {
+        {0, 0, 70, 0, 1, 0, 0, 0, 4, 0}, {1234567890, 0, 109, 1, 13, 23, 31, 30, 5, 43},
+        {951782400, 0, 100, 1, 29, 0, 0, 0, 2, 59}, {32535215999, 0, 1100, 11, 31, 23, 59, 59, 3, 364},
+        {32535244799, 0, 1101, 0, 1, 7, 59, 59, 4, 0}, {32535244800, 22, -1, -1, -1, -1, -1, -1, -1, -1},
+        {-1, 22, -1, -1, -1, -1, -1, -1, -1, -1}, {INT64_MAX, 22, -1, -1, -1, -1, -1, -1, -1, -1},
+        {INT64_MIN, 22, -1, -1, -1, -1, -1, -1, -1, -1}};
+    // clang-format on
     for (const auto& row : rows) {
         std::tm t;
         EXPECT_EQ(_localtime64_s(&t, &row.seconds), row.error) << row.seconds;
@@ -258,52 +248,27 @@ TEST(Strftime, HasTheConversionsOfWindows) {
     const auto year = &std::tm::tm_year, month = &std::tm::tm_mon, day = &std::tm::tm_mday, hour = &std::tm::tm_hour,
                minute = &std::tm::tm_min, second = &std::tm::tm_sec, weekday = &std::tm::tm_wday,
                yearDay = &std::tm::tm_yday;
+    // clang-format off
     const struct {
         const char *format, *text;
         int std::tm::*field;
         int value;
-    } rows[] = {{"%H", "23", hour, 23},
-                {"%H", "", hour, 24},
-                {"%H", "", hour, -1},
-                {"%I", "", hour, INT_MAX},
-                {"%p", "", hour, 24},
-                {"%I%p", "12AM", hour, 0},
-                {"%I%p", "12PM", hour, 12},
-                {"%#M%#H", "014", minute, 0},
-                {"%M", "", minute, 60},
-                {"%S", "", second, 60},
-                {"%d", "31", day, 31},
-                {"%d", "", day, 32},
-                {"%d", "", day, 0},
-                {"%b%m", "Dec12", month, 11},
-                {"%b", "", month, 12},
-                {"%B", "", month, -1},
-                {"%m", "", month, INT_MAX},
-                {"%a%U%W", "Sun0504", weekday, 0},
-                {"%U%W", "0405", weekday, 6},
-                {"%A", "", weekday, 7},
-                {"%w", "", weekday, -1},
-                {"%W", "", weekday, INT_MIN},
-                {"%x", "02/03/09", weekday, 99},
-                {"%j%U%W", "3665253", yearDay, 365},
-                {"%j", "", yearDay, 366},
-                {"%U", "", yearDay, INT_MAX},
-                {"%y|%Y", "00|1900", year, 0},
-                {"%y|%Y", "99|9999", year, 8099},
-                {"%Y", "0000", year, -1900},
-                {"%Y", "", year, 8100},
-                {"%Y", "", year, -1901},
-                {"%Y", "", year, INT_MAX},
-                {"%y", "", year, -1},
-                {"%c", "02/03/09 14:05:09", day, 3},
-                {"%X", "14:05:09", day, 3},
-                {"100%% %#%", "100% %", day, 3},
-                {"%#x|%#X", "Tuesday, February 03, 2009|14:05:09", day, 3},
-                {"%#Y", "2009", day, 3},
-                {"%#c", "Tuesday, February 03, 2009 14:05:09", day, 3},
-                {"%a %b %B %p", "Tue Feb February PM", day, 3},
-                {"%d %H %I %j %m %M %S %U %w %y", "03 14 02 034 02 05 09 05 2 09", day, 3},
-                {"%#d %#I %#j %#m %#M %#S %#U %#W %#y", "3 2 34 2 5 9 5 5 9", day, 3}};
+    } rows[] = {
+        {"%H", "23", hour, 23}, {"%H", "", hour, 24}, {"%H", "", hour, -1}, {"%I", "", hour, INT_MAX},
+        {"%p", "", hour, 24}, {"%I%p", "12AM", hour, 0}, {"%I%p", "12PM", hour, 12}, {"%#M%#H", "014", minute, 0},
+        {"%M", "", minute, 60}, {"%S", "", second, 60}, {"%d", "31", day, 31}, {"%d", "", day, 32}, {"%d", "", day, 0},
+        {"%b%m", "Dec12", month, 11}, {"%b", "", month, 12}, {"%B", "", month, -1}, {"%m", "", month, INT_MAX},
+        {"%a%U%W", "Sun0504", weekday, 0}, {"%U%W", "0405", weekday, 6}, {"%A", "", weekday, 7},
+        {"%w", "", weekday, -1}, {"%W", "", weekday, INT_MIN}, {"%x", "02/03/09", weekday, 99},
+        {"%j%U%W", "3665253", yearDay, 365}, {"%j", "", yearDay, 366}, {"%U", "", yearDay, INT_MAX},
+        {"%y|%Y", "00|1900", year, 0}, {"%y|%Y", "99|9999", year, 8099}, {"%Y", "0000", year, -1900},
+        {"%Y", "", year, 8100}, {"%Y", "", year, -1901}, {"%Y", "", year, INT_MAX}, {"%y", "", year, -1},
+        {"%c", "02/03/09 14:05:09", day, 3}, {"%X", "14:05:09", day, 3}, {"100%% %#%", "100% %", day, 3},
+        {"%#x|%#X", "Tuesday, February 03, 2009|14:05:09", day, 3}, {"%#Y", "2009", day, 3},
+        {"%#c", "Tuesday, February 03, 2009 14:05:09", day, 3}, {"%a %b %B %p", "Tue Feb February PM", day, 3},
+        {"%d %H %I %j %m %M %S %U %w %y", "03 14 02 034 02 05 09 05 2 09", day, 3},
+        {"%#d %#I %#j %#m %#M %#S %#U %#W %#y", "3 2 34 2 5 9 5 5 9", day, 3}};
+    // clang-format on
     for (const auto& row : rows) {
         std::tm changed = time;
         changed.*row.field = row.value;

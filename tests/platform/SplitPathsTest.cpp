@@ -1,9 +1,12 @@
 #include <roots/platform/Win32.h>
+#include <tests/support/Environment.h>
 #include <tests/support/Platform.h>
 #include <tests/support/Units.h>
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -31,31 +34,17 @@ using Widths = ::testing::Types<char, wchar_t>;
 TYPED_TEST_SUITE(SplitPaths, Widths, );
 
 TYPED_TEST(SplitPaths, PartsEndAtTheLastSlashAndTheLastPoint) {
+    // clang-format off
     const struct {
         const char *path, *parts;
-    } rows[] = {{"", "|||"},
-                {"c:\\a\\b.txt", "c:|\\a\\|b|.txt"},
-                {"c:", "c:|||"},
-                {"c:a.b.c", "c:||a.b|.c"},
-                {".", "|||."},
-                {"..", "||.|."},
-                {"...", "||..|."},
-                {".a", "|||.a"},
-                {"a.", "||a|."},
-                {"a.b\\c", "|a.b\\|c|"},
-                {"a.b/", "|a.b/||"},
-                {"a\\.x", "|a\\||.x"},
-                {"a/b\\c/d.e", "|a/b\\c/|d|.e"},
-                {"a b.c d", "||a b|.c d"},
-                {"1:x", "1:||x|"},
-                {"::", "::|||"},
-                {":", "||:|"},
-                {":a", "||:a|"},
-                {"a:b:c", "a:||b:c|"},
-                {"cc:\\a", "|cc:\\|a|"},
-                {"c:\\", "c:|\\||"},
-                {"\\\\srv\\share\\f.e", "|\\\\srv\\share\\|f|.e"},
-                {"\\\\?\\c:\\x\\y.z", "|\\\\?\\c:\\x\\|y|.z"}};
+    } rows[] = {
+        {"", "|||"}, {"c:\\a\\b.txt", "c:|\\a\\|b|.txt"}, {"c:", "c:|||"}, {"c:a.b.c", "c:||a.b|.c"}, {".", "|||."},
+        {"..", "||.|."}, {"...", "||..|."}, {".a", "|||.a"}, {"a.", "||a|."}, {"a.b\\c", "|a.b\\|c|"},
+        {"a.b/", "|a.b/||"}, {"a\\.x", "|a\\||.x"}, {"a/b\\c/d.e", "|a/b\\c/|d|.e"}, {"a b.c d", "||a b|.c d"},
+        {"1:x", "1:||x|"}, {"::", "::|||"}, {":", "||:|"}, {":a", "||:a|"}, {"a:b:c", "a:||b:c|"},
+        {"cc:\\a", "|cc:\\|a|"}, {"c:\\", "c:|\\||"}, {"\\\\srv\\share\\f.e", "|\\\\srv\\share\\|f|.e"},
+        {"\\\\?\\c:\\x\\y.z", "|\\\\?\\c:\\x\\|y|.z"}};
+    // clang-format on
     for (const auto& row : rows) {
         TypeParam drive[9], dir[40], name[40], ext[40];
         EXPECT_EQ(split(units<TypeParam>(row.path).data(), drive, 9, dir, 40, name, 40, ext, 40), 0) << row.path;
@@ -119,6 +108,23 @@ TYPED_TEST(SplitPaths, AreMadeOfPartsWithWhatSeparatesThem) {
         EXPECT_EQ(to[0], '#') << row.path;
         EXPECT_EQ(make(static_cast<TypeParam*>(nullptr), 9, at[0], at[1], at[2], at[3]), 22) << row.path;
     }
+}
+
+// In code page 932 the second byte of a character may be that of a letter, a slash or a point.
+TEST(AnsiPairsDeathTest, AreNeitherLettersNorSlashes) {
+    if (onWindows) GTEST_SKIP() << "Windows has the code page in its settings";
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto child = [] {
+        setEnvironment("KELROOTS_ANSI_CODE_PAGE", "932");
+        std::setlocale(LC_ALL, "C.UTF-8");
+        char text[] = "a\x83\x61z", name[9], dir[9], path[20];
+        bool right = _strupr_s(text, sizeof text) == 0 && std::string(text) == "A\x83\x61Z";
+        right &= _splitpath_s("d\\\x83\x5C\x61", nullptr, 0, dir, 9, name, 9, nullptr, 0) == 0;
+        right &= std::string(dir) == "d\\" && std::string(name) == "\x83\x5C\x61";
+        right &= _makepath_s(path, 20, nullptr, "\x83\x5C", "b", nullptr) == 0;
+        std::exit(right && std::string(path) == "\x83\x5C\\b" ? 0 : 1);
+    };
+    EXPECT_EXIT(child(), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

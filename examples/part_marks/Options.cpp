@@ -1,0 +1,155 @@
+#include "Options.h"
+
+const char* const helpText =
+    R"(Usage: part_marks [options] FOLDER|FILE...
+
+Reads DSTV NC part files, finds the parts that are physically the same, gives
+each distinct part one mark, and writes the list of marks to marks.csv.
+
+Options
+  -o, --output FILE|FOLDER  where the list goes; ./marks.csv unless given
+      --type numeric|letter marks count 1, 2, 3 ... (the default) or A, B, C ...
+      --start VALUE         the first number or letters of every prefix: 1 or A
+                            unless given; 001 gives 001, 002 ...
+      --prefix CODE=TEXT    what marks of the profile code CODE begin with; may
+                            be given for several codes. Unless given it is the
+                            code: I1, I2, U1 ...
+      --no-subfolders       only the files of the folders themselves
+  -h, --help                this text
+      --                    what follows are files and folders
+
+Files
+  From a folder, all files *.nc and *.nc1, in any letter case, its subfolders
+  included. Files are read in the order of their names; one that is named twice
+  counts once. The texts are in the ANSI code page, or in UTF-8 or UTF-16 where
+  a file begins with the mark of one of these.
+
+Same parts
+  Two parts are the same if all that their files say is the same, but for
+  comments, order, drawing, phase, piece identification, quantity and text
+  lines.
+  - Marking texts (block SI) count: a part that is stamped with its own name
+    differs from one that is stamped with another.
+  - Blanks do not count, unless they keep two numbers or two words apart: "1 0"
+    is not "10". Within a marking text a run of blanks counts as one.
+  - Numbers count as they are written: 10.0 and 10.00 differ.
+
+Marks
+  Each prefix counts for itself, in the order of the files. The list is in the
+  order of the marks: by prefix, then as counted, so I2 stands before I10.
+
+marks.csv
+  UTF-8, commas, one line a part: mark, profile, code, steel, length (mm),
+  quantity (of all its files), weight (kg: length x weight per metre x quantity,
+  as the files have them) and the files, joined by "; ". It is written
+  completely or not at all.
+
+Exit status
+  0  all done
+  1  done, but some files or folders could not be read or are no part files;
+     each is named on the error stream as FILE:LINE: REASON
+  2  nothing written: wrong usage, or the list could not be written
+)";
+
+namespace {
+
+class Parser {
+public:
+    Parser(const std::vector<BryString>& arguments, Options& options, BryString& error)
+        : m_arguments(arguments), m_options(options), m_error(error) {}
+
+    bool parse() {
+        for (m_next = 0; m_next < m_arguments.size() && !m_options.help;)
+            if (!takeArgument(m_arguments[m_next++])) return false;
+        if (m_options.help) return true;
+        if (!m_options.marks.isStartValid())
+            return fail(BryString(L"--start ") + m_options.marks.start +
+                        (m_options.marks.letters ? L": letters are A to Z" : L": a number has digits only"));
+        return !m_options.inputs.empty() || fail(L"no folder and no file is given");
+    }
+
+private:
+    bool takeArgument(const BryString& argument) {
+        if (m_onlyInputs || argument[0] != L'-' || argument == L"-") return takeInput(argument);
+        BryString name = argument;
+        const int equals = argument.left(2) == L"--" ? argument.find(L"=") : -1;
+        m_hasValue = equals >= 0;
+        if (m_hasValue) {
+            name = argument.left(equals);
+            m_value = argument.mid(equals + 1);
+        }
+        return takeOption(name);
+    }
+
+    bool takeInput(const BryString& argument) {
+        if (argument.isEmpty()) return fail(L"a file name is empty");
+        m_options.inputs.push_back(argument);
+        return true;
+    }
+
+    bool takeOption(const BryString& name) {
+        if (name == L"--output" || name == L"-o") return takeValue(name) && takeOutput();
+        if (name == L"--type") return takeValue(name) && takeType();
+        if (name == L"--start") return takeValue(name) && takeStart();
+        if (name == L"--prefix") return takeValue(name) && takePrefix();
+        if (m_hasValue) return fail(BryString(L"unknown option, or one that takes no value: ") + name);
+        if (name == L"--no-subfolders") return takeFlag(m_options.withSubfolders, false);
+        if (name == L"--help" || name == L"-h") return takeFlag(m_options.help, true);
+        if (name == L"--") return takeFlag(m_onlyInputs, true);
+        return fail(BryString(L"unknown option: ") + name);
+    }
+
+    static bool takeFlag(bool& flag, bool value) {
+        flag = value;
+        return true;
+    }
+
+    // The text behind "=" or else the next argument.
+    bool takeValue(const BryString& name) {
+        if (m_hasValue) return true;
+        if (m_next == m_arguments.size()) return fail(name + L" needs a value");
+        m_value = m_arguments[m_next++];
+        return true;
+    }
+
+    bool takeOutput() {
+        m_options.output = m_value;
+        return !m_value.isEmpty() || fail(L"--output needs a file or a folder");
+    }
+
+    bool takeType() {
+        m_options.marks.letters = m_value == L"letter";
+        return m_options.marks.letters || m_value == L"numeric" || fail(L"--type is numeric or letter");
+    }
+
+    bool takeStart() {
+        m_options.marks.start = m_value;
+        return !m_value.isEmpty() || fail(L"--start needs a number or letters");
+    }
+
+    bool takePrefix() {
+        const int equals = m_value.find(L"=");
+        if (equals < 1) return fail(L"--prefix needs a profile code and a text: --prefix I=BEAM");
+        m_options.marks.prefix[m_value.left(equals)] = m_value.mid(equals + 1);
+        return true;
+    }
+
+    bool fail(const BryString& error) {
+        m_error = error;
+        return false;
+    }
+
+    const std::vector<BryString>& m_arguments;
+    Options& m_options;
+    BryString& m_error;
+    std::size_t m_next = 0;
+    bool m_onlyInputs = false;
+    bool m_hasValue = false;
+    BryString m_value;
+};
+
+}  // namespace
+
+bool parseOptions(const std::vector<BryString>& arguments, Options& options, BryString& error) {
+    return Parser(arguments, options, error).parse();
+}

@@ -1,0 +1,97 @@
+#include "PartFiles.h"
+
+#include "Utf8.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path toPath(const BryString& text) { return fs::u8path(stringToUtf8(text)); }
+BryString toText(const fs::path& path) {
+    BryString text = utf8ToString(path.generic_u8string());
+    if (text.length() > 2 && text.left(2) == L"./") text >>= 2;
+    return text;
+}
+
+bool isPartFileName(const fs::path& path) {
+    const BryString extension = toText(path.extension());
+    return BryString::compareNoCase(extension, L".nc") == 0 || BryString::compareNoCase(extension, L".nc1") == 0;
+}
+
+class Finder {
+public:
+    Finder(bool withSubfolders, std::vector<FileProblem>& problems)
+        : m_withSubfolders(withSubfolders), m_problems(problems) {}
+
+    void add(const BryString& input) {
+        const fs::path path = toPath(input);
+        std::error_code error;
+        const fs::file_status status = fs::status(path, error);
+        if (!fs::is_directory(status)) return addFile(path, status);
+        const std::size_t problemsBefore = m_problems.size();
+        m_hasFound = false;
+        addFolder(path);
+        if (!m_hasFound && m_problems.size() == problemsBefore)
+            addProblem(path, L"a folder without part files (*.nc, *.nc1)");
+    }
+
+    std::vector<BryString> found() {
+        std::sort(m_found.begin(), m_found.end());
+        return m_found;
+    }
+
+private:
+    void addFile(const fs::path& path, const fs::file_status& status) {
+        if (!fs::exists(status)) return addProblem(path, L"there is no such file or folder");
+        // Anything else, such as a pipe, might never end.
+        if (!fs::is_regular_file(status)) return addProblem(path, L"not a file");
+        m_hasFound = true;
+        if (isNew(path)) m_found.push_back(toText(path));
+    }
+
+    // Whether the file was not found before under any name. Names that differ in case only are asked about: they mean
+    // one file on some systems.
+    bool isNew(const fs::path& path) {
+        std::error_code error;
+        const BryString name = toText(fs::canonical(path, error)).toLower();
+        const auto seen = m_seen.equal_range(name);
+        for (auto same = seen.first; same != seen.second; ++same)
+            if (fs::equivalent(same->second, path, error)) return false;
+        m_seen.emplace(name, path);
+        return true;
+    }
+
+    void addFolder(const fs::path& folder) {
+        std::error_code error;
+        fs::directory_iterator entry(folder, error);
+        for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+            std::error_code unknown;  // a broken link is reported where it is named like a part file
+            const bool isFolder = entry->is_directory(unknown);
+            if (isFolder && m_withSubfolders && !entry->is_symlink(unknown)) addFolder(entry->path());
+            if (!isFolder && isPartFileName(entry->path())) addFile(entry->path(), entry->status(unknown));
+        }
+        if (error) addProblem(folder, L"the folder cannot be read");
+    }
+
+    void addProblem(const fs::path& path, const wchar_t* reason) { m_problems.push_back({toText(path), 0, reason}); }
+
+    bool m_withSubfolders;
+    bool m_hasFound = false;                    // something, be it for the second time
+    std::multimap<BryString, fs::path> m_seen;  // by the full name in small letters
+    std::vector<BryString> m_found;
+    std::vector<FileProblem>& m_problems;
+};
+
+}  // namespace
+
+std::vector<BryString> findPartFiles(const std::vector<BryString>& inputs, bool withSubfolders,
+                                     std::vector<FileProblem>& problems) {
+    Finder finder(withSubfolders, problems);
+    for (const BryString& input : inputs) finder.add(input);
+    return finder.found();
+}

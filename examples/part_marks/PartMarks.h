@@ -1,0 +1,43 @@
+// Parts that are the same, found and marked.
+#pragma once
+
+#include "NcPart.h"
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+// How marks are made: a prefix for each profile code, and behind it a number or letters, counted for each prefix alone.
+struct MarkSettings {
+    bool letters = false;                   // A, B, ... Z, AA, AB ... instead of 1, 2, ... 9, 10, 11 ...
+    BryString start;                        // the first number or letters; empty for 1 or A
+    std::map<BryString, BryString> prefix;  // by profile code; the code itself where there is none
+
+    // Whether start can be counted on from.
+    bool isStartValid() const;
+};
+
+struct MarkedPart {
+    NcPart part;  // as the first of its files has it; the quantity is that file's
+    BryString prefix;
+    BryString mark;
+    std::int64_t quantity = 0;     // of all files
+    std::vector<BryString> files;  // in the order of add()
+
+    // kg, of all pieces, rounded to hundredths: length times weight per metre times quantity, as the file has them.
+    double weight() const;
+};
+
+class PartMarks {
+public:
+    void add(const NcPart& part, const BryString& file);
+
+    // The distinct parts with their marks, in the order of the marks: by prefix, and as they were numbered. Within a
+    // prefix they are numbered as they were first added. No mark is given twice: one that another prefix has led to
+    // already (P1 + 1 and P + 11) is passed over.
+    std::vector<MarkedPart> mark(const MarkSettings& settings) const;
+
+private:
+    std::vector<MarkedPart> m_parts;
+    std::map<BryString, std::size_t> m_byContent;  // the places in m_parts
+};

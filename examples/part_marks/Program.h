@@ -1,0 +1,10 @@
+// The program without its main().
+#pragma once
+
+#include <roots/text/BryString.h>
+
+#include <cstdio>
+#include <vector>
+
+// Runs the program with the arguments behind its name, writing UTF-8 to the two streams. Returns the exit status.
+int runPartMarks(const std::vector<BryString>& arguments, std::FILE* output, std::FILE* errors);
