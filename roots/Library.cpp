@@ -9,7 +9,7 @@
 // until the process ends, because strings of the hosts may outlive any destructor here.
 wchar_t* BryString::BryStringTempBufferWide = new wchar_t[0x80000];
 char* BryString::BryStringTempBuffer = new char[0x80000];
-BryStringRepr* BryString::m_repEmpty = new BryStringRepr(L"");
+BryStringRepr* BryString::m_repEmpty = BryStringRepr::make(0);
 
 BryString* BryGlobalStorage::g_pAcadSupportPaths = nullptr;
 

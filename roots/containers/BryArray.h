@@ -175,7 +175,8 @@ private:
 
     void growToHold(long long count);
     [[gnu::noinline]] void replaceStorage(long n);
-    [[gnu::cold, gnu::noinline]] void setBeyond(long i, const T& value);
+    [[gnu::cold, gnu::noinline]] void setBeyond(
+        long i, T value);  // by value: it may stand in the storage that growing replaces
 
     long m_logicalLength = 0;
     long m_physicalLength = 0;
@@ -357,11 +358,10 @@ inline long BryArray<T, Reallocator, MemoryController>::append(const T& value) {
 }
 
 template <class T, class Reallocator, class MemoryController>
-void BryArray<T, Reallocator, MemoryController>::setBeyond(long i, const T& value) {
+void BryArray<T, Reallocator, MemoryController>::setBeyond(long i, T value) {
     if (i < 0) return;
-    const T copy(value);  // value may stand in the storage that growing replaces
     growToHold(std::min<long long>(i, kLongest) + 1);
-    m_storage[i] = copy;
+    m_storage[i] = std::move(value);
     m_logicalLength = i + 1;
 }
 

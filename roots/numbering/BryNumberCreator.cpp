@@ -82,14 +82,15 @@ BryString BryNumberCreator::getNextNumber() {
 BryString BryNumberCreator::composeNumber(std::size_t current) const {
     const std::size_t prefix = lengthOf(m_prefix), sufix = lengthOf(m_sufix);
     if (prefix + sufix == 0) return m_current;
-    TextRoom room(prefix + current + sufix + 1);
-    wchar_t* const text = room.text();
+    BryStringRepr* const rep = BryStringRepr::make(prefix + current + sufix);
+    wchar_t* const text = rep->m_buffer;
     wide::copy(text, m_prefix.getStringW(), prefix);
     wide::copy(text + prefix, m_current.getStringW(), current);
-    wide::copy(text + prefix + current, m_sufix.getStringW(), sufix + 1);
-    return BryString(text);
+    wide::copy(text + prefix + current, m_sufix.getStringW(), sufix);
+    return BryString(rep);
 }
 
+// The next value is complete before the running one is touched: where memory is out, no number is skipped.
 void BryNumberCreator::step(std::size_t length) {
     const int first = m_range.firstSymbol[0];  // 0 where the text is empty
     const int count = m_range.symbolCount;
@@ -101,11 +102,11 @@ void BryNumberCreator::step(std::size_t length) {
     for (std::size_t i = length; carry && i-- > 0;) {
         int symbol = text[i] - first + 1;
         carry = symbol >= count;
-        if (count > 0) symbol %= count;
+        if (count > 0) symbol = symbol == count ? 0 : symbol % count;
         text[i] = static_cast<wchar_t>(first + symbol);
     }
     if (carry) *--text = static_cast<wchar_t>(m_type == eNumberingNumeric ? first + 1 : first);
-    m_current = text;
+    if (carry || !m_current.overwrite(text, length)) m_current = text;
 }
 
 int BryNumberCreator::checkNumber(const BryString& text) const {

@@ -102,6 +102,27 @@ std::size_t sameUnits(const wchar_t* a, const wchar_t* b, std::size_t count) noe
     return Loops::sameUnits(a, b, count);
 }
 
+// Kept out of the functions that answer for short texts: these loops need registers saved.
+__attribute__((noinline)) std::size_t lengthInSmallVectors(const wchar_t* text) noexcept { return Loops::length(text); }
+
+__attribute__((noinline)) KELROOTS_READS_AHEAD std::size_t mismatchFrom(const wchar_t* a, const wchar_t* b,
+                                                                        std::size_t i, std::size_t count) noexcept {
+    const bool large = largeVectors();
+    bool found = false;
+    while (i < count) {
+        if (large && i >= 2 * kUnits) {
+            i = KELROOTS_LARGE(mismatch(a, b, i, count, found));
+        } else {
+            i = Loops::mismatch(a, b, i, count, found);
+        }
+        if (found) return i;
+        // A text that begins just before its page ends: unit by unit into the next page.
+        for (; i < count && i < 2 * kUnits; ++i)
+            if (a[i] != b[i] || a[i] == 0) return i;
+    }
+    return count;
+}
+
 }  // namespace
 
 KELROOTS_READS_AHEAD std::size_t length(const wchar_t* text) noexcept {
@@ -118,7 +139,7 @@ KELROOTS_READS_AHEAD std::size_t length(const wchar_t* text) noexcept {
         if (const std::uint32_t mask = Units::load(p).equals(zero).mask())
             return static_cast<std::size_t>(p - text) + vector::lowestUnit(mask);
     }
-    if (!largeVectors()) return static_cast<std::size_t>(p - text) + Loops::length(p);
+    if (!largeVectors()) return static_cast<std::size_t>(p - text) + lengthInSmallVectors(p);
     if (reinterpret_cast<std::uintptr_t>(p) % (4 * kUnits) != 0) {
         if (const std::uint32_t mask = Units::load(p).equals(zero).mask())
             return static_cast<std::size_t>(p - text) + vector::lowestUnit(mask);
@@ -129,27 +150,14 @@ KELROOTS_READS_AHEAD std::size_t length(const wchar_t* text) noexcept {
 
 KELROOTS_READS_AHEAD std::size_t mismatch(const wchar_t* a, const wchar_t* b, std::size_t count) noexcept {
     std::size_t i = 0;
-    bool found = false;
-    const bool large = largeVectors();
-    while (i < count) {
-        if (large && i >= 4 * kUnits) {
-            i = KELROOTS_LARGE(mismatch(a, b, i, count, found));
-            if (found) return i;
-        }
-        const std::size_t limit = large && i < 4 * kUnits && count - i > 4 * kUnits ? i + 4 * kUnits : count;
-        i = Loops::mismatch(a, b, i, limit, found);
-        if (found) return i;
-        // What is left before a page ends, or before count, is taken unit by unit.
-        for (std::size_t step = 0; i < limit && step < kUnits; ++step, ++i) {
-            if (a[i] != b[i] || a[i] == 0) return i;
-            if (vector::bytesLeftInPage(a + i + 1) >= 2 * kUnits && vector::bytesLeftInPage(b + i + 1) >= 2 * kUnits &&
-                limit - i > kUnits) {
-                ++i;
-                break;
-            }
-        }
+    if (count >= 2 * kUnits && vector::bytesLeftInPage(a) >= 4 * kUnits && vector::bytesLeftInPage(b) >= 4 * kUnits) {
+        const Units zero = Units::fill(0), v = Units::load(a), w = Units::load(a + kUnits);
+        const std::uint32_t first = v.equals(Units::load(b)).both(v).equals(zero).mask();
+        const std::uint32_t second = w.equals(Units::load(b + kUnits)).both(w).equals(zero).mask();
+        if (const std::uint32_t mask = first | second << (2 * kUnits)) return vector::lowestUnit(mask);
+        i = 2 * kUnits;
     }
-    return count;
+    return mismatchFrom(a, b, i, count);
 }
 
 std::size_t find(const wchar_t* text, std::size_t length, wchar_t unit) noexcept {
@@ -168,15 +176,66 @@ std::size_t findLast(const wchar_t* text, std::size_t length, wchar_t unit) noex
     return npos;
 }
 
+namespace {
+
+// A few units, each in all places of a vector; a set of fewer has the last one several times.
+struct SmallSet {
+    Units members[kSmallSet];
+
+    SmallSet(const wchar_t* set, std::size_t setLength) noexcept {
+        for (std::size_t i = 0; i < kSmallSet; ++i) members[i] = Units::fill(set[i < setLength ? i : setLength - 1]);
+    }
+    // The bytes of units that are not in the set.
+    std::uint32_t others(const wchar_t* text) const noexcept {
+        const Units v = Units::load(text);
+        const Units in =
+            v.equals(members[0]).either(v.equals(members[1])).either(v.equals(members[2]).either(v.equals(members[3])));
+        return ~in.mask() & Units::kAllBytes;
+    }
+};
+
+bool isIn(wchar_t unit, const wchar_t* set, std::size_t setLength) noexcept {
+    for (std::size_t i = 0; i < setLength; ++i)
+        if (set[i] == unit) return true;
+    return false;
+}
+
+}  // namespace
+
+std::size_t spanAtStart(const wchar_t* text, std::size_t length, const wchar_t* set, std::size_t setLength) noexcept {
+    std::size_t i = 0;
+    if (length != 0 && isIn(text[0], set, setLength)) {
+        const SmallSet members(set, setLength);
+        for (; i + kUnits <= length; i += kUnits)
+            if (const std::uint32_t others = members.others(text + i)) return i + vector::lowestUnit(others);
+    }
+    while (i < length && isIn(text[i], set, setLength)) ++i;
+    return i;
+}
+
+std::size_t spanAtEnd(const wchar_t* text, std::size_t length, const wchar_t* set, std::size_t setLength) noexcept {
+    std::size_t end = length;
+    if (length != 0 && isIn(text[length - 1], set, setLength)) {
+        const SmallSet members(set, setLength);
+        for (; end >= kUnits; end -= kUnits)
+            if (const std::uint32_t others = members.others(text + end - kUnits))
+                return length - (end - kUnits + vector::highestUnit(others) + 1);
+    }
+    while (end > 0 && isIn(text[end - 1], set, setLength)) --end;
+    return length - end;
+}
+
 std::size_t count(const wchar_t* text, std::size_t length, wchar_t unit) noexcept {
     std::size_t counted = 0, i = 0;
-    if (length >= kWorthwhile && largeVectors()) i = KELROOTS_LARGE(count(text, length, unit, counted));
+    if (length >= kWorthwhile && largeVectors())
+        i = KELROOTS_LARGE(count(text, length, unit, counted));
+    else
+        i = Loops::count(text, length, unit, counted);
     for (; i < length; ++i) counted += text[i] == unit;
     return counted;
 }
 
-// ---- finding a text
-// --------------------------------------------------------------------------------------------------
+// ---- finding a text ------------------------------------------------------------------------------
 //
 // Vectors compare two anchor units of the text wanted at many positions at once; the candidates are then compared
 // whole. Texts that make too many candidates fail late are handed to the two-way algorithm of Crochemore and Perrin,
@@ -302,8 +361,7 @@ std::size_t find(const wchar_t* text, std::size_t length, const wchar_t* what, s
     return findEach(text, length, 0, what, whatLength, &position, 1) != 0 ? position : npos;
 }
 
-// ---- copying
-// ---------------------------------------------------------------------------------------------------------
+// ---- copying -------------------------------------------------------------------------------------
 
 void copyReplaced(wchar_t* out, const wchar_t* text, std::size_t count, wchar_t from, wchar_t to) noexcept {
     std::size_t i = 0;
@@ -316,6 +374,11 @@ void copyWithout(wchar_t* out, std::size_t outLength, const wchar_t* text, std::
     const Units unwanted = Units::fill(unit);
     const wchar_t* const outEnd = out + outLength;
     std::size_t i = 0;
+    if (length >= kWorthwhile && largeVectors()) {
+#ifdef KELROOTS_AVX2
+        i = avx2::copyWithout(out, outEnd, text, length, unit);
+#endif
+    }
     // Whole vectors are stored as long as there is room for them; units that do not belong are overwritten by the next.
     for (; i + kUnits <= length && static_cast<std::size_t>(outEnd - out) >= kUnits; i += kUnits) {
         const Units v = Units::load(text + i);
@@ -336,6 +399,22 @@ void copyWithout(wchar_t* out, std::size_t outLength, const wchar_t* text, std::
     }
 }
 
+std::size_t copySame([[maybe_unused]] const unsigned char* from, [[maybe_unused]] std::size_t count,
+                     [[maybe_unused]] wchar_t* to, [[maybe_unused]] bool latin1) noexcept {
+#ifdef KELROOTS_AVX2
+    if (avx2::usable()) return avx2::widen(from, count, to, latin1);
+#endif
+    return 0;
+}
+
+std::size_t copySame([[maybe_unused]] const wchar_t* from, [[maybe_unused]] std::size_t count,
+                     [[maybe_unused]] unsigned char* to, [[maybe_unused]] bool latin1) noexcept {
+#ifdef KELROOTS_AVX2
+    if (avx2::usable()) return avx2::narrow(from, count, to, latin1);
+#endif
+    return 0;
+}
+
 void copyReversed(wchar_t* out, const wchar_t* text, std::size_t count) noexcept {
     std::size_t i = 0;
     if (count >= kWorthwhile && largeVectors()) i = KELROOTS_LARGE(copyReversed(out, text, count));
@@ -344,22 +423,32 @@ void copyReversed(wchar_t* out, const wchar_t* text, std::size_t count) noexcept
 }
 
 KELROOTS_READS_AHEAD void wipe(wchar_t* text) noexcept {
+    const Units zero = Units::fill(0);
     wchar_t* p = text;
-    const auto atBoundary = [&p](std::size_t bytes) { return reinterpret_cast<std::uintptr_t>(p) % bytes == 0; };
-    const auto holdsEnd = [&p] { return Units::load(p).equals(Units::fill(0)).mask() != 0; };
-    while (!atBoundary(2 * kUnits) && *p != 0) *p++ = 0;
-    if (atBoundary(2 * kUnits)) {
-        if (largeVectors()) {
-            if (!atBoundary(4 * kUnits) && !holdsEnd()) {
-                Units::fill(0).store(p);
+    std::uint32_t mask;  // the zeros of the vector at p
+    if (vector::bytesLeftInPage(p) >= 2 * kUnits && (mask = Units::load(p).equals(zero).mask()) == 0) {
+        p = nextBoundary(p, 2 * kUnits);
+        mask = Units::load(p).equals(zero).mask();  // looked at first: the store may reach into it
+        zero.store(text);
+        for (int step = 0; step < 4 && mask == 0; ++step) {
+            zero.store(p);
+            p += kUnits;
+            mask = Units::load(p).equals(zero).mask();
+        }
+        if (mask == 0) {
+            if (reinterpret_cast<std::uintptr_t>(p) % (4 * kUnits) != 0) {
+                zero.store(p);
                 p += kUnits;
             }
-            if (atBoundary(4 * kUnits) && !holdsEnd()) p = KELROOTS_LARGE(wipe(p));
+            p = largeVectors() ? KELROOTS_LARGE(wipe(p)) : Loops::wipe(p);
+            while ((mask = Units::load(p).equals(zero).mask()) == 0) {
+                zero.store(p);
+                p += kUnits;
+            }
         }
-        while (!holdsEnd()) {
-            Units::fill(0).store(p);
-            p += kUnits;
-        }
+        // At least a vector lies before the terminator by now.
+        zero.store(p + vector::lowestUnit(mask) - kUnits);
+    } else {
         while (*p != 0) *p++ = 0;
     }
     __asm__ volatile("" : : "r"(text) : "memory");  // the zeros count as read, so that they are written

@@ -38,6 +38,11 @@ inline int compare(const wchar_t* a, const wchar_t* b, std::size_t count = npos)
 std::size_t find(const wchar_t* text, std::size_t length, wchar_t unit) noexcept;
 std::size_t findLast(const wchar_t* text, std::size_t length, wchar_t unit) noexcept;
 
+// How many units at the start, or the end, of text[0 .. length) occur in set, which has 1 to kSmallSet units.
+constexpr std::size_t kSmallSet = 4;
+std::size_t spanAtStart(const wchar_t* text, std::size_t length, const wchar_t* set, std::size_t setLength) noexcept;
+std::size_t spanAtEnd(const wchar_t* text, std::size_t length, const wchar_t* set, std::size_t setLength) noexcept;
+
 // How many of text[0 .. length) are unit.
 std::size_t count(const wchar_t* text, std::size_t length, wchar_t unit) noexcept;
 
@@ -60,6 +65,12 @@ void copyReplaced(wchar_t* out, const wchar_t* text, std::size_t count, wchar_t 
 
 // Copies the units of text[0 .. length) that are not unit to out, which has room for just those.
 void copyWithout(wchar_t* out, std::size_t outLength, const wchar_t* text, std::size_t length, wchar_t unit) noexcept;
+
+// Copies between bytes and the units of the same number, in large steps until one meets a byte or unit above 7F, or
+// with latin1 one of 80 to 9F or above FF. Return how many were copied, from 0 (no such step is known for the
+// processor) on.
+std::size_t copySame(const unsigned char* from, std::size_t count, wchar_t* to, bool latin1) noexcept;
+std::size_t copySame(const wchar_t* from, std::size_t count, unsigned char* to, bool latin1) noexcept;
 
 // Copies count units in reverse order.
 void copyReversed(wchar_t* out, const wchar_t* text, std::size_t count) noexcept;

@@ -75,6 +75,76 @@ std::size_t copyReversed(wchar_t* out, const wchar_t* text, std::size_t count) n
 
 wchar_t* wipe(wchar_t* text) noexcept { return Loops::wipe(text); }
 
+std::size_t widen(const unsigned char* from, std::size_t count, wchar_t* to, bool latin1) noexcept {
+    // As signed numbers, the bytes that are not the same are below this.
+    const __m256i lowest = _mm256_set1_epi8(static_cast<char>(latin1 ? 0xA0 : 0));
+    std::size_t i = 0;
+    for (; count - i >= 64; i += 64) {
+        const __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + i));
+        const __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + i + 32));
+        if (_mm256_movemask_epi8(_mm256_cmpgt_epi8(lowest, _mm256_min_epi8(a, b))) != 0) break;
+        for (std::size_t k = 0; k < 64; k += 16) {
+            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i + k));
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(to + i + k), _mm256_cvtepu8_epi16(bytes));
+        }
+    }
+    return i;
+}
+
+std::size_t narrow(const wchar_t* from, std::size_t count, unsigned char* to, bool latin1) noexcept {
+    const __m256i lowest = _mm256_set1_epi8(static_cast<char>(latin1 ? 0xA0 : 0));
+    const __m256i tooHigh = _mm256_set1_epi16(static_cast<short>(latin1 ? 0xFF00 : 0xFF80));
+    std::size_t i = 0;
+    for (; count - i >= 32; i += 32) {
+        const __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + i));
+        const __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + i + 16));
+        const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
+        const __m256i others =
+            _mm256_or_si256(_mm256_and_si256(_mm256_or_si256(a, b), tooHigh), _mm256_cmpgt_epi8(lowest, bytes));
+        if (!_mm256_testz_si256(others, others)) break;
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(to + i), bytes);
+    }
+    return i;
+}
+
+namespace {
+
+// For each set of units to leave out of eight, the places of the others, moved together.
+struct Remaining {
+    alignas(16) unsigned char places[256][16] = {};
+    constexpr Remaining() {
+        for (int without = 0; without < 256; ++without) {
+            int to = 0;
+            for (int from = 0; from < 8; ++from) {
+                if (without >> from & 1) continue;
+                places[without][2 * to] = static_cast<unsigned char>(2 * from);
+                places[without][2 * to + 1] = static_cast<unsigned char>(2 * from + 1);
+                ++to;
+            }
+        }
+    }
+};
+constexpr Remaining kRemaining;
+
+}  // namespace
+
+std::size_t copyWithout(wchar_t*& out, const wchar_t* outEnd, const wchar_t* text, std::size_t length,
+                        wchar_t unit) noexcept {
+    const __m128i unwanted = _mm_set1_epi16(static_cast<short>(unit));
+    wchar_t* to = out;
+    std::size_t i = 0;
+    for (; i + 8 <= length && outEnd - to >= 8; i += 8) {
+        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
+        const __m128i hits = _mm_cmpeq_epi16(units, unwanted);
+        const unsigned without = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(hits, _mm_setzero_si128())));
+        const __m128i places = _mm_load_si128(reinterpret_cast<const __m128i*>(kRemaining.places[without]));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(units, places));
+        to += 8 - __builtin_popcount(without);
+    }
+    out = to;
+    return i;
+}
+
 std::size_t findEach(const wchar_t* text, std::size_t length, std::size_t i, const wchar_t* what,
                      std::size_t whatLength, std::size_t firstAnchor, std::size_t secondAnchor, std::size_t* positions,
                      std::size_t max, std::size_t& stored, bool& tooMuch) noexcept {

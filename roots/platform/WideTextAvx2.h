@@ -21,6 +21,15 @@ std::size_t count(const wchar_t* text, std::size_t length, wchar_t unit, std::si
 std::size_t copyReplaced(wchar_t* out, const wchar_t* text, std::size_t count, wchar_t from, wchar_t to) noexcept;
 std::size_t copyReversed(wchar_t* out, const wchar_t* text, std::size_t count) noexcept;
 wchar_t* wipe(wchar_t* text) noexcept;
+
+// As in WideText.h, 64 bytes or 32 units a step.
+std::size_t widen(const unsigned char* from, std::size_t count, wchar_t* to, bool latin1) noexcept;
+std::size_t narrow(const wchar_t* from, std::size_t count, unsigned char* to, bool latin1) noexcept;
+
+// Copies the units that are not unit, eight a step, as long as eight can be stored; out moves on. Returns where in text
+// it stopped.
+std::size_t copyWithout(wchar_t*& out, const wchar_t* outEnd, const wchar_t* text, std::size_t length,
+                        wchar_t unit) noexcept;
 std::size_t findEach(const wchar_t* text, std::size_t length, std::size_t i, const wchar_t* what,
                      std::size_t whatLength, std::size_t firstAnchor, std::size_t secondAnchor, std::size_t* positions,
                      std::size_t max, std::size_t& stored, bool& tooMuch) noexcept;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 // Vector loads of these loops reach past the end of a text on purpose, within its page.
 #define KELROOTS_READS_AHEAD __attribute__((no_sanitize("address")))
@@ -65,6 +66,14 @@ struct Loops {
         const std::size_t left =
             bytesLeftInPage(a + i) < bytesLeftInPage(b + i) ? bytesLeftInPage(a + i) : bytesLeftInPage(b + i);
         const std::size_t stop = left / 2 < count - i ? i + left / 2 : count;
+        if (i + kUnits <= stop) {  // one vector to where those of a are aligned
+            const V v = V::load(a + i);
+            if (const std::uint32_t mask = v.equals(V::load(b + i)).both(v).equals(zero).mask()) {
+                found = true;
+                return i + lowestUnit(mask);
+            }
+            i += kUnits - reinterpret_cast<std::uintptr_t>(a + i) % kBytes / 2;
+        }
         // A vector is clean where the texts are equal and neither ends: both(equal, a) is then nowhere 0.
         for (; i + 4 * kUnits <= stop; i += 4 * kUnits) {
             V clean = V::fill(0xFFFF);
@@ -80,6 +89,15 @@ struct Loops {
                 found = true;
                 return i + lowestUnit(mask);
             }
+        }
+        if (i < stop && stop >= kUnits) {  // what is left before a page ends, together with units known to be equal
+            i = stop - kUnits;
+            const V v = V::load(a + i);
+            if (const std::uint32_t mask = v.equals(V::load(b + i)).both(v).equals(zero).mask()) {
+                found = true;
+                return i + lowestUnit(mask);
+            }
+            i = stop;
         }
         return i;
     }
@@ -154,10 +172,18 @@ struct Loops {
     // begins.
     KELROOTS_READS_AHEAD static wchar_t* wipe(wchar_t* text) noexcept {
         const V zero = V::fill(0);
-        for (wchar_t* p = text;; p += kUnits) {
+        wchar_t* p = text;
+        for (; reinterpret_cast<std::uintptr_t>(p) % (4 * kBytes) != 0; p += kUnits) {
             if (V::load(p).equals(zero).mask() != 0) return p;
             zero.store(p);
         }
+        for (;; p += 4 * kUnits) {
+            const V a = V::load(p), b = V::load(p + kUnits), c = V::load(p + 2 * kUnits), d = V::load(p + 3 * kUnits);
+            if (a.least(b).least(c.least(d)).equals(zero).mask() != 0) break;
+            for (std::size_t k = 0; k < 4 * kUnits; k += kUnits) zero.store(p + k);
+        }
+        for (; V::load(p).equals(zero).mask() == 0; p += kUnits) zero.store(p);
+        return p;
     }
 
     // Goes on from position i as long as whole vectors of candidates fit; stores positions of occurrences and how many
@@ -168,6 +194,12 @@ struct Loops {
                                 std::size_t& stored, bool& tooMuch) noexcept {
         const V first = V::fill(what[anchors.first]), second = V::fill(what[anchors.second]);
         const std::size_t last = length - whatLength;  // the last position possible
+        const bool isShort = whatLength <= kUnits && length - i >= kUnits;
+        // The units of a short text, and a mask of as many units.
+        wchar_t padded[kUnits] = {};
+        if (isShort) std::memcpy(padded, what, whatLength * sizeof(wchar_t));
+        const V whole = V::load(padded);
+        const std::uint32_t wholeMask = static_cast<std::uint32_t>((std::uint64_t(1) << 2 * whatLength % 64) - 1);
         std::size_t effort = 0;
         const std::size_t from = i;
         for (std::size_t block = i; block + kUnits <= last + 1; block += kUnits) {
@@ -178,7 +210,12 @@ struct Loops {
             for (; mask != 0; mask &= mask - 1, mask &= mask - 1) {  // each unit has two bits
                 const std::size_t at = block + lowestUnit(mask);
                 if (at < i) continue;  // overlaps the last occurrence
-                const std::size_t same = sameUnits(text + at, what, whatLength);
+                std::size_t same;
+                if (isShort && at + kUnits <= length) {
+                    same = (~V::load(text + at).equals(whole).mask() & wholeMask) == 0 ? whatLength : 1;
+                } else {
+                    same = sameUnits(text + at, what, whatLength);
+                }
                 if (same == whatLength) {
                     positions[stored++] = at;
                     i = at + whatLength;

@@ -115,8 +115,8 @@ KELROOTS_API int MultiByteToWideChar(UINT codePage, DWORD flags, const char* tex
                                      int capacity);
 
 // The same the other way, counting bytes. A character that the code page lacks becomes defaultChar ("?" where null)
-// and sets *usedDefault (unless null); look-alikes are never chosen. CP_UTF8 lacks nothing and takes neither of the two:
-// error 87.
+// and sets *usedDefault (unless null); look-alikes are never chosen. CP_UTF8 lacks nothing and takes neither of the
+// two: error 87.
 KELROOTS_API int WideCharToMultiByte(UINT codePage, DWORD flags, const wchar_t* text, int length, char* buffer,
                                      int capacity, const char* defaultChar, BOOL* usedDefault);
 

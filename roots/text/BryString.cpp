@@ -7,27 +7,21 @@
 #include <cstring>
 #include <new>
 
-// ---- the body
-// --------------------------------------------------------------------------------------------------------
+// ---- the body ------------------------------------------------------------------------------------
 
-BryStringRepr::BryStringRepr(std::size_t length) : m_buffer(nullptr), m_count(1) {
+BryStringRepr* BryStringRepr::make(std::size_t length) {
     if (length > INT_MAX) throw std::bad_alloc();
-    m_buffer = new wchar_t[length + 1];
-    m_buffer[length] = 0;
+    void* const block = ::operator new(sizeof(BryStringRepr) + (length + 1) * sizeof(wchar_t));
+    wchar_t* const buffer = reinterpret_cast<wchar_t*>(static_cast<char*>(block) + sizeof(BryStringRepr));
+    buffer[length] = 0;
+    return ::new (block) BryStringRepr(buffer);
 }
 
-BryStringRepr::BryStringRepr(wchar_t const* text) : BryStringRepr(wide::length(text)) {
-    for (wchar_t* to = m_buffer; *text != 0; ++text) *to++ = *text;
-}
-
-BryStringRepr::~BryStringRepr() {
-    wide::wipe(m_buffer);
-    delete[] m_buffer;
-}
+BryStringRepr::~BryStringRepr() { wide::wipe(m_buffer); }
 
 BryStringRepr* BryString::makeRep(wchar_t const* text, std::size_t length) {
     if (length == 0) return m_repEmpty;
-    BryStringRepr* const rep = new BryStringRepr(length);
+    BryStringRepr* const rep = BryStringRepr::make(length);
     wide::copy(rep->m_buffer, text, length);
     return rep;
 }
@@ -37,7 +31,7 @@ BryStringRepr* BryString::makeRep(wchar_t const* text, std::size_t length) {
 BryStringRepr* BryString::makeRep(char const* text, unsigned codePage) {
     const std::size_t bytes = text ? std::strlen(text) : 0;
     if (bytes == 0) return m_repEmpty;
-    BryString converted(new BryStringRepr(bytes));
+    BryString converted(BryStringRepr::make(bytes));
     wchar_t* const buffer = converted.m_rep->m_buffer;
     const int capacity = static_cast<int>(bytes);
     const int units = MultiByteToWideChar(codePage, 0, text, capacity, buffer, capacity);
@@ -65,8 +59,14 @@ BryString& BryString::take(BryStringRepr* rep) noexcept {
     return *this;
 }
 
-// ---- construction, assignment
-// ----------------------------------------------------------------------------------------
+bool BryString::overwrite(wchar_t const* text, std::size_t length) noexcept {
+    if (m_rep->m_count != 1 || m_rep == m_repEmpty || wide::length(text) != length) return false;
+    ReleaseCharCache();
+    wide::copy(m_rep->m_buffer, text, length);
+    return true;
+}
+
+// ---- construction, assignment --------------------------------------------------------------------
 
 namespace {
 
@@ -98,7 +98,7 @@ BryString& BryString::operator=(char const* text) { return take(makeRep(text, CP
 
 BryString::BryString(const Characters& chars, int from, int to) : BryString() {
     if (from >= chars.logicalLength() || to >= chars.logicalLength() || from > to) return;
-    BryStringRepr* const rep = new BryStringRepr(static_cast<std::size_t>(to - from + 1));
+    BryStringRepr* const rep = BryStringRepr::make(static_cast<std::size_t>(to - from + 1));
     wchar_t* end = rep->m_buffer;
     for (int i = from; i <= to; ++i)
         if (const wchar_t c = chars.at(i)) *end++ = c;
@@ -110,8 +110,7 @@ void BryString::StringToArr(const BryString& text, Characters& chars) {
     for (wchar_t const* c = text.getStringW(); *c != 0; ++c) chars.append(*c);
 }
 
-// ---- comparison
-// ------------------------------------------------------------------------------------------------------
+// ---- comparison ----------------------------------------------------------------------------------
 
 bool BryString::hasSameText(const BryString& other) const { return wide::equal(getStringW(), other.getStringW()); }
 
@@ -136,22 +135,27 @@ int BryString::strCompare(void const* a, void const* b) {
     return compare(*static_cast<BryString const*>(a), *static_cast<BryString const*>(b));
 }
 
-// ---- access
-// ----------------------------------------------------------------------------------------------------------
+// ---- access --------------------------------------------------------------------------------------
 
 int BryString::length() const { return static_cast<int>(wide::length(getStringW())); }
 
 char const* BryString::makeAnsiForm() const {
     const int units = length();
-    const int bytes = WideCharToMultiByte(CP_ACP, 0, getStringW(), units, nullptr, 0, nullptr, nullptr);
-    char* const ansi = new char[static_cast<std::size_t>(bytes) + 1];
-    WideCharToMultiByte(CP_ACP, 0, getStringW(), units, ansi, bytes + 1, nullptr, nullptr);
+    // Mostly there are as many bytes as units; where there are more, they are counted first.
+    char* ansi = new char[static_cast<std::size_t>(units) + 1];
+    int bytes = WideCharToMultiByte(CP_ACP, 0, getStringW(), units, ansi, units, nullptr, nullptr);
+    if (bytes == 0 && units != 0) {
+        SecureZeroMemory(ansi, static_cast<std::size_t>(units));
+        delete[] ansi;
+        bytes = WideCharToMultiByte(CP_ACP, 0, getStringW(), units, nullptr, 0, nullptr, nullptr);
+        ansi = new char[static_cast<std::size_t>(bytes) + 1];
+        WideCharToMultiByte(CP_ACP, 0, getStringW(), units, ansi, bytes, nullptr, nullptr);
+    }
     ansi[bytes] = 0;
     return m_ansi = ansi;
 }
 
-// ---- search
-// ----------------------------------------------------------------------------------------------------------
+// ---- search --------------------------------------------------------------------------------------
 
 namespace {
 
@@ -180,8 +184,7 @@ int BryString::find_last_of(char c) const {
     return -1;
 }
 
-// ---- classification, numbers
-// -----------------------------------------------------------------------------------------
+// ---- classification, numbers ---------------------------------------------------------------------
 
 namespace {
 
@@ -210,14 +213,13 @@ std::intptr_t BryString::toIntPtr() const { return toInteger(); }
 long BryString::toLong() const { return _wtol(getStringW()); }
 double BryString::toDouble() const { return _wtof(getStringW()); }
 
-// ---- concatenation
-// ---------------------------------------------------------------------------------------------------
+// ---- concatenation -------------------------------------------------------------------------------
 
 BryString BryString::operator+(const BryString& other) const {
     if (isEmpty()) return other;
     if (other.isEmpty()) return *this;
     const std::size_t first = wide::length(getStringW()), second = wide::length(other.getStringW());
-    BryStringRepr* const rep = new BryStringRepr(first + second);
+    BryStringRepr* const rep = BryStringRepr::make(first + second);
     wide::copy(rep->m_buffer, getStringW(), first);
     wide::copy(rep->m_buffer + first, other.getStringW(), second);
     return BryString(rep);

@@ -13,13 +13,15 @@
 // that share it. Only BryString makes and destroys bodies. Its text is overwritten with zeros before it is released.
 class KELROOTS_API BryStringRepr final {
     friend class BryString;
+    friend class BryNumberCreator;
 
-    explicit BryStringRepr(wchar_t const* text);
+    // A body whose text, length units of it, is for the caller to fill; the terminator stands. Body and text are one
+    // block of memory.
+    static BryStringRepr* make(std::size_t length);
 
-    // A body whose text, length units of it, is for the caller to fill; the terminator stands.
-    explicit BryStringRepr(std::size_t length);
-
+    explicit BryStringRepr(wchar_t* buffer) noexcept : m_buffer(buffer), m_count(1) {}
     virtual ~BryStringRepr();
+    static void operator delete(void* block) { ::operator delete(block); }
 
     BryStringRepr(const BryStringRepr&) = delete;
     BryStringRepr& operator=(const BryStringRepr&) = delete;
@@ -41,6 +43,8 @@ class KELROOTS_API BryStringRepr final {
 // - No operation reports an error. When memory is out, std::bad_alloc passes through and the string keeps its text.
 // - Strings are for one thread: bodies, counts and the two scratch buffers of the class are shared without locks.
 class KELROOTS_API BryString {
+    friend class BryNumberCreator;  // whose running value is its own and changes with every number
+
 public:
     // ---- construction, assignment ----------------------------------------------------------------------------------
 
@@ -290,10 +294,13 @@ private:
     // there is nothing to hold.
     static BryStringRepr* makeRep(wchar_t const* text, std::size_t length);
     static BryStringRepr* makeRep(char const* text, unsigned codePage);
+    static BryStringRepr* makeAsciiRep(char const* text, std::size_t length);
     BryString& take(BryStringRepr* rep) noexcept;  // replaces the body by rep, whose share passes to this string
 
     bool hasSameText(const BryString& other) const;
     char const* makeAnsiForm() const;
+    // Puts a text of the same length into the body; false, and nothing done, where others share it or the text is cut.
+    bool overwrite(wchar_t const* text, std::size_t length) noexcept;
     BryString& keep(std::size_t from, std::size_t to);  // nothing but the units from .. to - 1
     void trimLeft(wchar_t const* set);
     void trimRight(wchar_t const* set);

@@ -22,8 +22,7 @@ std::size_t asSize(int n) { return static_cast<std::size_t>(n); }
 
 }  // namespace
 
-// ---- substrings
-// ------------------------------------------------------------------------------------------------------
+// ---- substrings ----------------------------------------------------------------------------------
 
 BryString BryString::left(int n) const {
     const int units = length();
@@ -61,8 +60,7 @@ BryString& BryString::empty() { return take(m_repEmpty); }
 
 BryString& BryString::keep(std::size_t from, std::size_t to) { return take(makeRep(getStringW() + from, to - from)); }
 
-// ---- replacement of units
-// --------------------------------------------------------------------------------------------
+// ---- replacement of units ------------------------------------------------------------------------
 
 int BryString::replace(wchar_t from, wchar_t to) {
     wchar_t const* const text = getStringW();
@@ -72,7 +70,7 @@ int BryString::replace(wchar_t from, wchar_t to) {
     if (to == 0) {
         keep(0, first);
     } else {
-        BryStringRepr* const rep = new BryStringRepr(units);
+        BryStringRepr* const rep = BryStringRepr::make(units);
         wide::copy(rep->m_buffer, text, first);
         wide::copyReplaced(rep->m_buffer + first, text + first, units - first, from, to);
         take(rep);
@@ -95,7 +93,7 @@ void BryString::removeAll(wchar_t const& c) {
         empty();
         return;
     }
-    BryStringRepr* const rep = new BryStringRepr(kept);
+    BryStringRepr* const rep = BryStringRepr::make(kept);
     wide::copy(rep->m_buffer, text, first);
     wide::copyWithout(rep->m_buffer + first, kept - first, text + first, units - first, c);
     take(rep);
@@ -118,8 +116,7 @@ BryString& BryString::setAt(int i, wchar_t const& c) {
 BryString& BryString::setAt(int i, unsigned short const& c) { return setAt(i, static_cast<wchar_t>(c)); }
 BryString& BryString::setAt(int i, char const& c) { return setAt(i, widened(c)); }
 
-// ---- replacement of texts
-// --------------------------------------------------------------------------------------------
+// ---- replacement of texts ------------------------------------------------------------------------
 
 namespace {
 
@@ -165,17 +162,30 @@ int BryString::replace(const BryString& what, const BryString& with) {
         empty();
         return static_cast<int>(count);
     }
-    BryStringRepr* const rep = new BryStringRepr(newLength);
+    BryStringRepr* const rep = BryStringRepr::make(newLength);
     wchar_t* to = rep->m_buffer;
     std::size_t done = 0;  // units of the old text that are dealt with
     const auto add = [&to](wchar_t const* from, std::size_t n) {
         wide::copy(to, from, n);
         to += n;
     };
+    // Short pieces are copied in one step of a fixed size as long as both texts have the room: the next piece
+    // overwrites what was too much.
+    constexpr std::size_t kStep = 16;
+    wchar_t padded[kStep];
+    wchar_t const* const end = rep->m_buffer + newLength;
+    wide::copy(padded, insert, std::min(put, kStep));
     for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t at = found.positions()[i];
-        add(text + done, at - done);
-        add(insert, put);
+        const std::size_t at = found.positions()[i], gap = at - done;
+        if (gap <= kStep && put <= kStep && end - to >= static_cast<std::ptrdiff_t>(3 * kStep) &&
+            units - done >= kStep) {
+            wide::copy(to, text + done, kStep);
+            wide::copy(to + gap, padded, kStep);
+            to += gap + put;
+        } else {
+            add(text + done, gap);
+            add(insert, put);
+        }
         done = at + gone;
     }
     add(text + done, units - done);
@@ -190,15 +200,14 @@ BryString& BryString::replace(int start, int count, const BryString& with) {
     const std::size_t behind = static_cast<std::size_t>(std::clamp<std::int64_t>(units - end, 0, units));
     const std::size_t put = wide::length(with.getStringW());
     if (before + put + behind == 0) return empty();
-    BryStringRepr* const rep = new BryStringRepr(before + put + behind);
+    BryStringRepr* const rep = BryStringRepr::make(before + put + behind);
     wide::copy(rep->m_buffer, getStringW(), before);
     wide::copy(rep->m_buffer + before, with.getStringW(), put);
     wide::copy(rep->m_buffer + before + put, getStringW() + (static_cast<std::size_t>(units) - behind), behind);
     return take(rep);
 }
 
-// ---- trimming
-// --------------------------------------------------------------------------------------------------------
+// ---- trimming ------------------------------------------------------------------------------------
 
 namespace {
 
@@ -224,7 +233,10 @@ private:
 };
 
 // Where the text begins, and ends, that trimming keeps.
-std::size_t keptFrom(wchar_t const* text, wchar_t const* set) {
+std::size_t keptFrom(wchar_t const* text, std::size_t length, wchar_t const* set) {
+    const std::size_t members = wide::length(set);
+    if (members == 0) return 0;
+    if (members <= wide::kSmallSet) return wide::spanAtStart(text, length, set, members);
     const UnitSet trimmed(set);
     std::size_t from = 0;
     while (text[from] != 0 && trimmed.contains(text[from])) ++from;
@@ -232,6 +244,9 @@ std::size_t keptFrom(wchar_t const* text, wchar_t const* set) {
 }
 
 std::size_t keptTo(wchar_t const* text, std::size_t length, wchar_t const* set) {
+    const std::size_t members = wide::length(set);
+    if (members == 0) return length;
+    if (members <= wide::kSmallSet) return length - wide::spanAtEnd(text, length, set, members);
     const UnitSet trimmed(set);
     while (length > 0 && trimmed.contains(text[length - 1])) --length;
     return length;
@@ -242,7 +257,8 @@ constexpr wchar_t kBlanks[] = L"\t\n ";
 }  // namespace
 
 void BryString::trimLeft(wchar_t const* set) {
-    if (const std::size_t from = keptFrom(getStringW(), set)) keep(from, wide::length(getStringW()));
+    const std::size_t units = wide::length(getStringW());
+    if (const std::size_t from = keptFrom(getStringW(), units, set)) keep(from, units);
 }
 
 void BryString::trimRight(wchar_t const* set) {
@@ -255,8 +271,7 @@ void BryString::TrimRight(const BryString& set) { trimRight(set.getStringW()); }
 void BryString::TrimLeft() { trimLeft(kBlanks); }
 void BryString::TrimRight() { trimRight(kBlanks); }
 
-// ---- case, order
-// -----------------------------------------------------------------------------------------------------
+// ---- case, order ---------------------------------------------------------------------------------
 
 BryString& BryString::toUpper() {
     const std::size_t units = wide::length(getStringW());
@@ -277,7 +292,7 @@ BryString& BryString::toLower() {
 BryString BryString::strRev() const {
     const std::size_t units = wide::length(getStringW());
     if (units < 2) return *this;
-    BryStringRepr* const rep = new BryStringRepr(units);
+    BryStringRepr* const rep = BryStringRepr::make(units);
     wide::copyReversed(rep->m_buffer, getStringW(), units);
     return BryString(rep);
 }

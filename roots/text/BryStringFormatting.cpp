@@ -5,6 +5,7 @@
 #include <roots/text/BryRuntime.h>
 #include <roots/text/BryString.h>
 
+#include <charconv>
 #include <cstring>
 #include <iterator>
 #include <memory>
@@ -16,8 +17,7 @@ constexpr std::size_t kPathSize = 260;
 
 }  // namespace
 
-// ---- formatting
-// ------------------------------------------------------------------------------------------------------
+// ---- formatting ----------------------------------------------------------------------------------
 
 // Texts are composed in the scratch buffer; the few that it cannot hold are measured and composed in memory of their
 // own.
@@ -106,16 +106,23 @@ BryString& BryString::formatTime(unsigned maxSize, char const* fmt, std::tm cons
     return *this = crt::strftime(buffer.get(), maxSize, fmt, t) != 0 ? buffer.get() : "";
 }
 
-// ---- number and clock texts
-// ------------------------------------------------------------------------------------------
+// ---- number and clock texts ----------------------------------------------------------------------
 
 // The runtime's handling of bad arguments may end a process on Windows, so they do not get that far.
 
+BryStringRepr* BryString::makeAsciiRep(char const* text, std::size_t length) {
+    if (length == 0) return m_repEmpty;
+    BryStringRepr* const rep = BryStringRepr::make(length);
+    for (std::size_t i = 0; i < length; ++i) rep->m_buffer[i] = static_cast<wchar_t>(text[i]);
+    return rep;
+}
+
 BryString BryString::integerToString(int value, int radix) {
     if (radix < 2 || radix > 36) return BryString();
-    wchar_t digits[34];  // the 32 digits of radix 2, a sign and the terminator
-    bryitow8(value, digits, std::size(digits), radix);
-    return BryString(digits);
+    char digits[33];  // the 32 digits of radix 2, or a sign and ten
+    char* const end = radix == 10 ? std::to_chars(digits, std::end(digits), value).ptr
+                                  : std::to_chars(digits, std::end(digits), static_cast<unsigned>(value), radix).ptr;
+    return BryString(makeAsciiRep(digits, static_cast<std::size_t>(end - digits)));
 }
 
 BryString BryString::longToString(long value, int radix) {
@@ -129,7 +136,7 @@ BryString BryString::doubleToString(double value, int digits) {
     char text[1024];
     if (digits < 0 || digits >= static_cast<int>(sizeof text)) return BryString();
     brygcvt(text, sizeof text, value, digits);
-    return BryString(text);
+    return BryString(makeAsciiRep(text, std::strlen(text)));
 }
 
 BryString BryString::time() {
@@ -144,8 +151,7 @@ BryString BryString::date() {
     return BryString(text);
 }
 
-// ---- paths
-// -----------------------------------------------------------------------------------------------------------
+// ---- paths ---------------------------------------------------------------------------------------
 
 void BryString::SplitPath(BryString& drive, BryString& dir, BryString& fname, BryString& ext) const {
     wchar_t parts[4][kPathSize];
@@ -162,8 +168,7 @@ void BryString::MakePath(const BryString& drive, const BryString& dir, const Bry
     *this = path;
 }
 
-// ---- foreign encodings
-// -----------------------------------------------------------------------------------------------
+// ---- foreign encodings ---------------------------------------------------------------------------
 
 BryString BryString::setFromUnsignedShortString(unsigned short const* text) { return *this = text; }
 

@@ -137,7 +137,7 @@ TEST(BryStringBody, IsWipedBeforeItIsReleased) {
             text.setAt(0, L'Z');
             text.getStringA();
         }
-        EXPECT_GE(released, 10) << "bodies, texts and caches";
+        EXPECT_GE(released, 8) << "bodies, texts and caches";
         EXPECT_EQ(unwiped, 0) << units << " units";
     }
 }

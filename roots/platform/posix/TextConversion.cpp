@@ -68,7 +68,32 @@ bool copyBlock(const wchar_t* from, Byte* to) {
     return true;
 }
 
+// The same with half a block, which most short texts end with.
+template <Same same>
+bool copyHalfBlock(const Byte* from, wchar_t* to) {
+    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
+    if ((_mm_movemask_epi8(same == Same::ascii ? bytes : from80To9F(bytes)) & 0xFF) != 0) return false;
+    store(to, _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
+    return true;
+}
+
+template <Same same>
+bool copyHalfBlock(const wchar_t* from, Byte* to) {
+    const __m128i units = load(from), bytes = _mm_packus_epi16(units, units);
+    const short tooHigh = static_cast<short>(same == Same::ascii ? 0xFF80 : 0xFF00);
+    __m128i others = _mm_and_si128(units, _mm_set1_epi16(tooHigh));
+    if (same == Same::latin1) others = _mm_or_si128(others, from80To9F(bytes));
+    if (!isZero(others)) return false;
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(to), bytes);
+    return true;
+}
+
 #else
+
+template <Same same, class From, class To>
+bool copyHalfBlock(const From*, To*) {
+    return false;
+}
 
 template <Same same, class From, class To>
 bool copyBlock(const From* from, To* to) {
@@ -85,6 +110,7 @@ bool copyBlock(const From* from, To* to) {
 template <Same same, class From, class To>
 __attribute__((noinline)) Size copyBlocks(const From* from, Size count, To* to) {
     Size i = 0;
+    if (count >= 4 * kBlock) i = wide::copySame(from, count, to, same == Same::latin1);
     while (count - i >= kBlock && copyBlock<same>(from + i, to + i)) i += kBlock;
     return i;
 }
@@ -115,6 +141,7 @@ void convertSingles(const From* from, Size count, To* to, Table table) {
         i += copyBlocks<same>(from + i, count - i, to + i);
         for (const Size end = std::min(count, i + kBlock); i < end; ++i) to[i] = table(from[i]);
     }
+    if (count - i >= kBlock / 2 && copyHalfBlock<same>(from + i, to + i)) i += kBlock / 2;
     for (; i < count; ++i) to[i] = table(from[i]);
 }
 
@@ -354,10 +381,22 @@ UINT GetACP() {
     return codePage;
 }
 
+namespace {
+
+// The tables of a page, those of the ANSI code page at hand.
+const CodePage* pageOf(UINT codePage) {
+    static const CodePage* ansi = nullptr;
+    if (codePage != GetACP()) return codePage == CP_UTF8 ? nullptr : findCodePage(codePage);
+    if (!ansi && codePage != CP_UTF8) ansi = findCodePage(codePage);
+    return ansi;
+}
+
+}  // namespace
+
 int MultiByteToWideChar(UINT codePage, DWORD flags, const char* text, int length, wchar_t* buffer, int capacity) {
     if (hasBadArguments(text, length, buffer, capacity)) return fail(ERROR_INVALID_PARAMETER);
     if (codePage == CP_ACP) codePage = GetACP();
-    const CodePage* const page = codePage == CP_UTF8 ? nullptr : findCodePage(codePage);
+    const CodePage* const page = pageOf(codePage);
     if (!page && codePage != CP_UTF8) return fail(ERROR_INVALID_PARAMETER);
     if (flags != 0) return fail(ERROR_INVALID_FLAGS);
 
@@ -374,7 +413,7 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, const wchar_t* text, int len
                         const char* defaultChar, BOOL* usedDefault) {
     if (hasBadArguments(text, length, buffer, capacity)) return fail(ERROR_INVALID_PARAMETER);
     if (codePage == CP_ACP) codePage = GetACP();
-    const CodePage* const page = codePage == CP_UTF8 ? nullptr : findCodePage(codePage);
+    const CodePage* const page = pageOf(codePage);
     if (!page && codePage != CP_UTF8) return fail(ERROR_INVALID_PARAMETER);
     if (flags != 0) return fail(ERROR_INVALID_FLAGS);
 
