@@ -348,7 +348,8 @@ inline BryArray<T, Reallocator, MemoryController>& BryArray<T, Reallocator, Memo
 template <class T, class Reallocator, class MemoryController>
 inline long BryArray<T, Reallocator, MemoryController>::append(const T& value) {
     const long i = m_logicalLength;
-    if (i >= 0 && i < m_physicalLength) {
+    // One comparison: a negative length, too, is no position within the storage.
+    if (static_cast<unsigned long>(i) < static_cast<unsigned long>(m_physicalLength)) {
         m_storage[i] = value;
         m_logicalLength = i + 1;
     } else {

@@ -103,7 +103,18 @@ std::size_t sameUnits(const wchar_t* a, const wchar_t* b, std::size_t count) noe
 }
 
 // Kept out of the functions that answer for short texts: these loops need registers saved.
-__attribute__((noinline)) std::size_t lengthInSmallVectors(const wchar_t* text) noexcept { return Loops::length(text); }
+__attribute__((noinline)) KELROOTS_READS_AHEAD std::size_t lengthFrom(const wchar_t* text, std::size_t i,
+                                                                      std::size_t max) noexcept {
+    if (i >= max) return max;
+    if (!largeVectors()) return std::min(max, i + Loops::length(text + i, max - i));
+    if (reinterpret_cast<std::uintptr_t>(text + i) % (4 * kUnits) != 0) {  // to a boundary of the large vectors
+        const std::uint32_t mask = Units::load(text + i).equals(Units::fill(0)).mask();
+        if (mask != 0) return std::min(max, i + vector::lowestUnit(mask));
+        i += kUnits;
+        if (i >= max) return max;
+    }
+    return std::min(max, i + KELROOTS_LARGE(length(text + i, max - i)));
+}
 
 __attribute__((noinline)) KELROOTS_READS_AHEAD std::size_t mismatchFrom(const wchar_t* a, const wchar_t* b,
                                                                         std::size_t i, std::size_t count) noexcept {
@@ -125,27 +136,22 @@ __attribute__((noinline)) KELROOTS_READS_AHEAD std::size_t mismatchFrom(const wc
 
 }  // namespace
 
-KELROOTS_READS_AHEAD std::size_t length(const wchar_t* text) noexcept {
+KELROOTS_READS_AHEAD std::size_t length(const wchar_t* text, std::size_t max) noexcept {
     const Units zero = Units::fill(0);
     const wchar_t* p = text;
     if (vector::bytesLeftInPage(p) >= 2 * kUnits) {
-        if (const std::uint32_t mask = Units::load(p).equals(zero).mask()) return vector::lowestUnit(mask);
+        if (const std::uint32_t mask = Units::load(p).equals(zero).mask())
+            return std::min(max, vector::lowestUnit(mask));
         p = nextBoundary(p, 2 * kUnits);
     } else {
         for (; reinterpret_cast<std::uintptr_t>(p) % (2 * kUnits) != 0; ++p)
-            if (*p == 0) return static_cast<std::size_t>(p - text);
+            if (*p == 0) return std::min(max, static_cast<std::size_t>(p - text));
     }
     for (int step = 0; step < 5; ++step, p += kUnits) {
         if (const std::uint32_t mask = Units::load(p).equals(zero).mask())
-            return static_cast<std::size_t>(p - text) + vector::lowestUnit(mask);
+            return std::min(max, static_cast<std::size_t>(p - text) + vector::lowestUnit(mask));
     }
-    if (!largeVectors()) return static_cast<std::size_t>(p - text) + lengthInSmallVectors(p);
-    if (reinterpret_cast<std::uintptr_t>(p) % (4 * kUnits) != 0) {
-        if (const std::uint32_t mask = Units::load(p).equals(zero).mask())
-            return static_cast<std::size_t>(p - text) + vector::lowestUnit(mask);
-        p += kUnits;
-    }
-    return static_cast<std::size_t>(p - text) + KELROOTS_LARGE(length(p));
+    return lengthFrom(text, static_cast<std::size_t>(p - text), max);
 }
 
 KELROOTS_READS_AHEAD std::size_t mismatch(const wchar_t* a, const wchar_t* b, std::size_t count) noexcept {

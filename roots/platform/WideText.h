@@ -14,8 +14,8 @@ namespace wide {
 
 constexpr std::size_t npos = static_cast<std::size_t>(-1);
 
-// Units before the terminator.
-std::size_t length(const wchar_t* text) noexcept;
+// Units before the terminator; with a max no more than that, and what lies behind is not looked at.
+std::size_t length(const wchar_t* text, std::size_t max = npos) noexcept;
 
 // The first position below count at which two texts differ or both end; count where there is none.
 std::size_t mismatch(const wchar_t* a, const wchar_t* b, std::size_t count = npos) noexcept;

@@ -47,7 +47,7 @@ using Loops = wide::vector::Loops<Avx2>;
 
 namespace wide::avx2 {
 
-std::size_t length(const wchar_t* text) noexcept { return Loops::length(text); }
+std::size_t length(const wchar_t* text, std::size_t max) noexcept { return Loops::length(text, max); }
 
 std::size_t mismatch(const wchar_t* a, const wchar_t* b, std::size_t i, std::size_t count, bool& found) noexcept {
     return Loops::mismatch(a, b, i, count, found);

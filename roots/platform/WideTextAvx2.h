@@ -13,7 +13,7 @@ namespace wide::avx2 {
 inline bool usable() noexcept { return __builtin_cpu_supports("avx2"); }
 
 // As the loops of the same names in WideTextVector.h, over 16 units a step.
-std::size_t length(const wchar_t* text) noexcept;
+std::size_t length(const wchar_t* text, std::size_t max) noexcept;
 std::size_t mismatch(const wchar_t* a, const wchar_t* b, std::size_t i, std::size_t count, bool& found) noexcept;
 std::size_t find(const wchar_t* text, std::size_t length, wchar_t unit) noexcept;
 std::size_t findLast(const wchar_t* text, std::size_t length, wchar_t unit) noexcept;

@@ -37,18 +37,17 @@ struct Loops {
     static constexpr std::size_t kUnits = V::kUnits;
     static constexpr std::size_t kBytes = 2 * kUnits;
 
-    // text is aligned to kBytes.
-    KELROOTS_READS_AHEAD static std::size_t length(const wchar_t* text) noexcept {
+    // text is aligned to kBytes. What is not below max may be anything from max on.
+    KELROOTS_READS_AHEAD static std::size_t length(const wchar_t* text, std::size_t max) noexcept {
         const V zero = V::fill(0);
-        const wchar_t* p = text;
-        for (; reinterpret_cast<std::uintptr_t>(p) % (4 * kBytes) != 0; p += kUnits) {
-            if (const std::uint32_t mask = V::load(p).equals(zero).mask())
-                return static_cast<std::size_t>(p - text) + lowestUnit(mask);
+        std::size_t i = 0;
+        for (; reinterpret_cast<std::uintptr_t>(text + i) % (4 * kBytes) != 0; i += kUnits) {
+            if (const std::uint32_t mask = V::load(text + i).equals(zero).mask()) return i + lowestUnit(mask);
         }
-        for (;; p += 4 * kUnits) {
+        for (; i < max; i += 4 * kUnits) {
+            const wchar_t* const p = text + i;
             const V a = V::load(p), b = V::load(p + kUnits), c = V::load(p + 2 * kUnits), d = V::load(p + 3 * kUnits);
             if (a.least(b).least(c.least(d)).equals(zero).mask() == 0) continue;
-            std::size_t i = static_cast<std::size_t>(p - text);
             const V vectors[] = {a, b, c};
             for (const V& v : vectors) {
                 if (const std::uint32_t mask = v.equals(zero).mask()) return i + lowestUnit(mask);
@@ -56,6 +55,7 @@ struct Loops {
             }
             return i + lowestUnit(d.equals(zero).mask());
         }
+        return max;
     }
 
     // Positions from i on, as long as whole vectors of both texts lie within their pages and below count. Returns
@@ -75,13 +75,14 @@ struct Loops {
             i += kUnits - reinterpret_cast<std::uintptr_t>(a + i) % kBytes / 2;
         }
         // A vector is clean where the texts are equal and neither ends: both(equal, a) is then nowhere 0.
+        const auto clean = [a, b](std::size_t at) KELROOTS_READS_AHEAD {
+            const V v = V::load(a + at);
+            return v.equals(V::load(b + at)).both(v);
+        };
         for (; i + 4 * kUnits <= stop; i += 4 * kUnits) {
-            V clean = V::fill(0xFFFF);
-            for (std::size_t k = 0; k < 4 * kUnits; k += kUnits) {
-                const V v = V::load(a + i + k);
-                clean = clean.least(v.equals(V::load(b + i + k)).both(v));
-            }
-            if (clean.equals(zero).mask() != 0) break;
+            const V first = clean(i).least(clean(i + kUnits)),
+                    second = clean(i + 2 * kUnits).least(clean(i + 3 * kUnits));
+            if (first.least(second).equals(zero).mask() != 0) break;
         }
         for (; i + kUnits <= stop; i += kUnits) {
             const V v = V::load(a + i);

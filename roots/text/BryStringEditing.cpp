@@ -24,11 +24,7 @@ std::size_t asSize(int n) { return static_cast<std::size_t>(n); }
 
 // ---- substrings ----------------------------------------------------------------------------------
 
-BryString BryString::left(int n) const {
-    const int units = length();
-    if (n >= units) return *this;
-    return BryString(makeRep(getStringW(), asSize(std::max(n, 0))));
-}
+BryString BryString::left(int n) const { return mid(0, std::max(n, 0)); }
 
 BryString BryString::right(int n) const {
     const int units = length();
@@ -38,10 +34,11 @@ BryString BryString::right(int n) const {
 }
 
 BryString BryString::mid(int start, int count) const {
-    const int units = length();
-    if (start < 0 || start > units || count < 0) return BryString();
-    if (start == 0 && count >= units) return *this;
-    return BryString(makeRep(getStringW() + start, asSize(std::min(count, units - start))));
+    if (start < 0 || count < 0) return BryString();
+    wchar_t const* const text = getStringW();
+    const std::size_t from = asSize(start), to = wide::length(text, from + asSize(count));
+    if (from == 0 && text[to] == 0) return *this;
+    return BryString(makeRep(text + from, to > from ? to - from : 0));
 }
 
 BryString BryString::mid(int start) const { return mid(start, INT32_MAX); }
@@ -86,16 +83,29 @@ int BryString::replace(char from, char to) { return replace(widened(from), widen
 
 void BryString::removeAll(wchar_t const& c) {
     wchar_t const* const text = getStringW();
-    const std::size_t units = wide::length(text), first = wide::find(text, units, c);
+    const wchar_t unwanted = c;  // c may be a unit of this text
+    const std::size_t units = wide::length(text), first = wide::find(text, units, unwanted);
     if (first == wide::npos) return;
-    const std::size_t kept = units - wide::count(text + first, units - first, c);
+
+    constexpr std::size_t kShort = 64;
+    if (units <= kShort) {
+        wchar_t kept[kShort];
+        std::size_t count = 0;
+        for (std::size_t i = 0; i < units; ++i) {
+            kept[count] = text[i];
+            count += text[i] != unwanted;
+        }
+        take(makeRep(kept, count));
+        return;
+    }
+    const std::size_t kept = units - wide::count(text + first, units - first, unwanted);
     if (kept == 0) {
         empty();
         return;
     }
     BryStringRepr* const rep = BryStringRepr::make(kept);
     wide::copy(rep->m_buffer, text, first);
-    wide::copyWithout(rep->m_buffer + first, kept - first, text + first, units - first, c);
+    wide::copyWithout(rep->m_buffer + first, kept - first, text + first, units - first, unwanted);
     take(rep);
 }
 

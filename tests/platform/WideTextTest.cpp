@@ -52,6 +52,8 @@ TEST_F(WideTextPrimitives, MeasuresAndComparesWithinThePages) {
         const wchar_t* a = place(m_first, text);
         const wchar_t* b = place(m_second, text);
         ASSERT_EQ(wide::length(a), text.size());
+        const std::size_t max = below(text.size() + 20);
+        ASSERT_EQ(wide::length(a, max), std::min(max, text.size()));
         ASSERT_TRUE(wide::equal(a, b));
         ASSERT_EQ(wide::compare(a, b), 0);
         b = place(m_second, other);
