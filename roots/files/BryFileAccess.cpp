@@ -235,6 +235,7 @@ int BryFileAccess::write(const unsigned short* format, ...) const {
     return result;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): hosts call it with a value of their own
 int BryFileAccess::puts(BryString text) const {
     if (!isOpen()) return -1;
     if (m_encoding == encodeANSI) return crt::fputs(text.getStringA(), stream());

@@ -431,10 +431,10 @@ void copyReversed(wchar_t* out, const wchar_t* text, std::size_t count) noexcept
 KELROOTS_READS_AHEAD void wipe(wchar_t* text) noexcept {
     const Units zero = Units::fill(0);
     wchar_t* p = text;
-    std::uint32_t mask;  // the zeros of the vector at p
-    if (vector::bytesLeftInPage(p) >= 2 * kUnits && (mask = Units::load(p).equals(zero).mask()) == 0) {
+    if (vector::bytesLeftInPage(p) >= 2 * kUnits && Units::load(p).equals(zero).mask() == 0) {
         p = nextBoundary(p, 2 * kUnits);
-        mask = Units::load(p).equals(zero).mask();  // looked at first: the store may reach into it
+        // The zeros of the vector at p: looked at first, the store may reach into it.
+        std::uint32_t mask = Units::load(p).equals(zero).mask();
         zero.store(text);
         for (int step = 0; step < 4 && mask == 0; ++step) {
             zero.store(p);

@@ -98,7 +98,7 @@ BryString& BryString::operator=(char const* text) { return take(makeRep(text, CP
 
 BryString::BryString(const Characters& chars, int from, int to) : BryString() {
     if (from >= chars.logicalLength() || to >= chars.logicalLength() || from > to) return;
-    BryStringRepr* const rep = BryStringRepr::make(static_cast<std::size_t>(to - from + 1));
+    BryStringRepr* const rep = BryStringRepr::make(static_cast<std::size_t>(to - from) + 1);
     wchar_t* end = rep->m_buffer;
     for (int i = from; i <= to; ++i)
         if (const wchar_t c = chars.at(i)) *end++ = c;

@@ -94,7 +94,9 @@ private:
     bool hasFewDecimals(double magnitude, int digitsWanted) {
         constexpr double kScale = 1e6;
         if (magnitude >= 1e9) return false;
-        const auto scaled = static_cast<std::uint64_t>(magnitude * kScale + 0.5);
+        // Any rounding will do: the next line finds out whether it hit the value.
+        const auto scaled =
+            static_cast<std::uint64_t>(magnitude * kScale + 0.5);  // NOLINT(bugprone-incorrect-roundings)
         if (static_cast<double>(scaled) / kScale != magnitude) return false;
         m_digits = m_buffer;
         m_count = static_cast<std::size_t>(std::to_chars(m_buffer, std::end(m_buffer), scaled).ptr - m_buffer);

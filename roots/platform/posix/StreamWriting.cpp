@@ -13,10 +13,8 @@
 namespace {
 
 using namespace platform;
-using streams::Direction;
 using streams::Encoding;
 using streams::Stream;
-using streams::StreamFor;
 
 constexpr unsigned kBroken = 0xFFFD;
 constexpr int kBadArgument = 22;
@@ -119,14 +117,14 @@ int answer(bool written) { return written ? 0 : failWith(windowsError(errno)); }
 namespace streams {
 
 bool putUnits(std::FILE* file, const wchar_t* text, std::size_t length) {
-    StreamFor stream(file, Direction::eWriting);
+    streams::StreamFor stream(file, streams::Direction::eWriting);
     BlockWriter writer(*stream);
     writer.put(text, length);
     return writer.finish();
 }
 
 bool putBytes(std::FILE* file, const char* text, std::size_t length) {
-    StreamFor stream(file, Direction::eWriting);
+    streams::StreamFor stream(file, streams::Direction::eWriting);
     if (stream->isEncoded()) return length == 0 || writeWidened(*stream, text, length);
     return stream->text ? writeTextBytes(file, text, length) : writeBytes(file, text, length);
 }
