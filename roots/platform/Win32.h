@@ -191,6 +191,10 @@ errno_t _localtime64_s(std::tm* result, const __time64_t* time);
 // text does not fit or the format is refused, and the destination is then empty. The _vsc forms only count.
 int vsprintf_s(char* to, std::size_t size, const char* format, std::va_list args);
 int vswprintf_s(wchar_t* to, std::size_t size, const wchar_t* format, std::va_list args);
+// The same, but a text that does not fit is cut, with a result of -1 all the same: where the others would end a
+// process on Windows, these do not. count is _TRUNCATE, the one use here.
+int _vsnprintf_s(char* to, std::size_t size, std::size_t count, const char* format, std::va_list args);
+int _vsnwprintf_s(wchar_t* to, std::size_t size, std::size_t count, const wchar_t* format, std::va_list args);
 int _vscprintf(const char* format, std::va_list args);
 int _vscwprintf(const wchar_t* format, std::va_list args);
 int vfprintf_s(std::FILE* stream, const char* format, std::va_list args);

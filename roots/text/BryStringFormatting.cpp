@@ -19,57 +19,44 @@ constexpr std::size_t kPathSize = 260;
 
 // ---- formatting ----------------------------------------------------------------------------------
 
-// Texts are composed in the scratch buffer; the few that it cannot hold are measured and composed in memory of their
-// own.
+namespace {
+
+// Composes a text in the scratch buffer; one that it cannot hold is measured and composed in memory of its own. The
+// result is where the text stands.
+template <class Unit>
+Unit const* compose(Unit* scratch, std::unique_ptr<Unit[]>& own, Unit const* fmt, std::va_list args,
+                    int (*formatCut)(Unit*, std::size_t, std::size_t, Unit const*, std::va_list),
+                    int (*measure)(Unit const*, std::va_list),
+                    int (*formatWhole)(Unit*, std::size_t, Unit const*, std::va_list)) {
+    scratch[0] = 0;
+    if (!fmt) return scratch;
+    std::va_list measuring, whole;
+    va_copy(measuring, args);
+    va_copy(whole, args);
+    if (formatCut(scratch, kScratchSize, _TRUNCATE, fmt, args) < 0) {
+        scratch[0] = 0;
+        const int length = measure(fmt, measuring);
+        const std::size_t size = length < 0 ? 0 : static_cast<std::size_t>(length) + 1;
+        if (size > kScratchSize) {
+            own.reset(new Unit[size]);
+            if (formatWhole(own.get(), size, fmt, whole) < 0) own.reset();
+        }
+    }
+    va_end(whole);
+    va_end(measuring);
+    return own ? own.get() : scratch;
+}
+
+}  // namespace
 
 BryString& BryString::vformat(wchar_t const* fmt, std::va_list args) {
-    if (!fmt) return empty();
-    std::va_list again;
-    va_copy(again, args);
-    wchar_t* const scratch = BryStringTempBufferWide;
-    scratch[0] = 0;
-    if (vswprintf_s(scratch, kScratchSize, fmt, args) >= 0) {
-        *this = scratch;
-    } else {
-        std::va_list third;
-        va_copy(third, again);
-        const int units = _vscwprintf(fmt, again);
-        if (units < static_cast<int>(kScratchSize)) {
-            empty();
-        } else {
-            const std::size_t size = static_cast<std::size_t>(units) + 1;
-            const std::unique_ptr<wchar_t[]> buffer(new wchar_t[size]);
-            *this = vswprintf_s(buffer.get(), size, fmt, third) >= 0 ? buffer.get() : L"";
-        }
-        va_end(third);
-    }
-    va_end(again);
-    return *this;
+    std::unique_ptr<wchar_t[]> own;
+    return *this = compose(BryStringTempBufferWide, own, fmt, args, _vsnwprintf_s, _vscwprintf, vswprintf_s);
 }
 
 BryString& BryString::vformat(char const* fmt, std::va_list args) {
-    if (!fmt) return empty();
-    std::va_list again;
-    va_copy(again, args);
-    char* const scratch = BryStringTempBuffer;
-    scratch[0] = 0;
-    if (vsprintf_s(scratch, kScratchSize, fmt, args) >= 0) {
-        *this = scratch;
-    } else {
-        std::va_list third;
-        va_copy(third, again);
-        const int bytes = _vscprintf(fmt, again);
-        if (bytes < static_cast<int>(kScratchSize)) {
-            empty();
-        } else {
-            const std::size_t size = static_cast<std::size_t>(bytes) + 1;
-            const std::unique_ptr<char[]> buffer(new char[size]);
-            *this = vsprintf_s(buffer.get(), size, fmt, third) >= 0 ? buffer.get() : "";
-        }
-        va_end(third);
-    }
-    va_end(again);
-    return *this;
+    std::unique_ptr<char[]> own;
+    return *this = compose(BryStringTempBuffer, own, fmt, args, _vsnprintf_s, _vscprintf, vsprintf_s);
 }
 
 BryString& BryString::vformat(unsigned short const* fmt, std::va_list args) {

@@ -29,26 +29,27 @@ public:
     // Text of the other kind keeps its values: a byte becomes the unit of the same number and the other way round.
     template <class From>
     void put(const From* text, std::size_t count) {
-        Unit* const at = room(count);
-        if (at == nullptr) return;
+        const std::size_t start = m_length, fitting = take(count);
+        if (fitting == 0) return;
+        Unit* const at = m_to + start;
         if constexpr (sizeof(From) == sizeof(Unit)) {
-            std::memcpy(at, text, count * sizeof(Unit));
+            std::memcpy(at, text, fitting * sizeof(Unit));
         } else {
-            for (std::size_t i = 0; i < count; ++i) at[i] = static_cast<Unit>(valueOf(text[i]));
+            for (std::size_t i = 0; i < fitting; ++i) at[i] = static_cast<Unit>(valueOf(text[i]));
         }
     }
 
     void fill(char with, std::size_t count) {
-        if (count == 0) return;
-        if (Unit* const at = room(count)) std::fill_n(at, count, static_cast<Unit>(with));
+        const std::size_t start = m_length, fitting = take(count);
+        if (fitting != 0) std::fill_n(m_to + start, fitting, static_cast<Unit>(with));
     }
 
 private:
-    // Where the next count units go, or null where they do not fit. After a text that did not, none does.
-    Unit* room(std::size_t count) {
-        const std::size_t at = m_length;
+    // Counts units; answers how many of them fit.
+    std::size_t take(std::size_t count) {
+        const std::size_t left = m_length < m_capacity ? m_capacity - m_length : 0;
         m_length += count;
-        return m_length <= m_capacity ? m_to + at : nullptr;
+        return std::min(count, left);
     }
 
     Unit* m_to;
@@ -446,6 +447,20 @@ int formatInto(Unit* to, std::size_t size, const Unit* format, std::va_list args
 }
 
 template <class Unit>
+int formatWhatFits(Unit* to, std::size_t size, const Unit* format, std::va_list args) {
+    if (to == nullptr || size == 0) return fail(EINVAL);
+    *to = 0;
+    if (format == nullptr) return fail(EINVAL);
+    Formatter<Unit> formatter(to, size - 1, args);
+    if (const int error = formatter.run(format)) {
+        *to = 0;
+        return fail(error);
+    }
+    to[std::min(formatter.length(), size - 1)] = 0;
+    return formatter.length() < std::min<std::size_t>(size, INT_MAX) ? static_cast<int>(formatter.length()) : -1;
+}
+
+template <class Unit>
 int measure(const Unit* format, std::va_list args) {
     if (format == nullptr) return fail(EINVAL);
     Formatter<Unit> formatter(nullptr, 0, args);
@@ -479,6 +494,14 @@ int vsprintf_s(char* to, std::size_t size, const char* format, std::va_list args
 
 int vswprintf_s(wchar_t* to, std::size_t size, const wchar_t* format, std::va_list args) {
     return formatInto(to, size, format, args);
+}
+
+int _vsnprintf_s(char* to, std::size_t size, std::size_t, const char* format, std::va_list args) {
+    return formatWhatFits(to, size, format, args);
+}
+
+int _vsnwprintf_s(wchar_t* to, std::size_t size, std::size_t, const wchar_t* format, std::va_list args) {
+    return formatWhatFits(to, size, format, args);
 }
 
 int _vscprintf(const char* format, std::va_list args) { return measure(format, args); }
