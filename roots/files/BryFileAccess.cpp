@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -153,6 +154,7 @@ std::uint64_t bytesFor(unsigned int count) { return std::min<std::uint64_t>(std:
 
 struct BryFileAccess::Shared {
     std::FILE* stream;  // null once it is closed
+    bool wideLines;     // whether lines are wide text; a binary stream of UTF-8 has bytes
     int owners;
 };
 
@@ -160,8 +162,10 @@ BryFileAccess::BryFileAccess(const BryString& fileName, const BryString& mode, e
     : m_shared(nullptr), m_encoding(encoding) {
     if (fileName.isEmpty()) return;
     const BryString openMode = mode + modeSuffix(encoding);
-    m_shared = new Shared{nullptr, 1};
-    m_shared->stream = openFile(fileName, openMode);
+    const bool wideLines = encoding != encodeANSI && !(encoding == encodeUTF8 && mode.find(L"b") >= 0);
+    std::unique_ptr<Shared> shared(new Shared{nullptr, wideLines, 1});
+    shared->stream = openFile(fileName, openMode);
+    m_shared = shared.release();
 }
 
 BryFileAccess::BryFileAccess(const BryFileAccess& other) noexcept
@@ -238,7 +242,7 @@ int BryFileAccess::write(const unsigned short* format, ...) const {
 // NOLINTNEXTLINE(performance-unnecessary-value-param): hosts call it with a value of their own
 int BryFileAccess::puts(BryString text) const {
     if (!isOpen()) return -1;
-    if (m_encoding == encodeANSI) return crt::fputs(text.getStringA(), stream());
+    if (!m_shared->wideLines) return crt::fputs(text.getStringA(), stream());
     const int result = crt::fputws(text.getStringW(), stream());
     return result == 0xFFFF ? -1 : result;  // some runtimes answer with the end mark of wide characters
 }
@@ -252,7 +256,7 @@ unsigned int BryFileAccess::read(void* buffer, unsigned int size, unsigned int c
 BryString BryFileAccess::gets(BryString& line, int maxChars) {
     if (!isOpen())
         line.empty();
-    else if (m_encoding == encodeANSI)
+    else if (!m_shared->wideLines)
         line = readLine<char, 512>(stream(), maxChars, crt::fgets);
     else
         line = readLine<wchar_t, 256>(stream(), maxChars, crt::fgetws);

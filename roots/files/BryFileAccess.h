@@ -53,8 +53,8 @@ public:
     int isOpen() const;                                  // 1 or 0
     encodeType getCodingMethod() { return m_encoding; }  // as given to the constructor, open or not
     int eof() const;                                     // non-zero once a read has met the end of the file
-    // The length in bytes, a mark included, as a 32-bit number; -1 for 2 GB and more. The position is 0 afterwards: in
-    // front of a mark, which the next wide read then gives as U+FEFF.
+    // The length in bytes, a mark included, as a signed 32-bit number: only for files below 2 GB. The position is 0
+    // afterwards: in front of a mark, which the next wide read then gives as U+FEFF.
     long getFileLength();
 
     // ---- formatted output ------------------------------------------------------------------------------------------
@@ -77,11 +77,13 @@ public:
     // Reads a line of at most maxChars - 1 characters into line, its line feed included; the rest of a longer one is
     // the next line. Empty at the end of the file and for a maxChars below 2. Any maxChars is safe: above 512 for 8-bit
     // text and 256 for wide text, memory of its own is used. Files with an encoding are read as wide text, whatever the
-    // characters; others are 8-bit text in the ANSI code page. A zero character ends the text. Returns a copy of line.
+    // characters; others, and UTF-8 files in a binary mode, are 8-bit text in the ANSI code page. A zero character ends
+    // the text. Returns a copy of line.
     BryString gets(BryString& line, int maxChars);
 
     // Writes the text, without adding a line feed; as wide text where the file has an encoding, so that UTF-8 files
-    // hold every character, and in the ANSI code page otherwise. Non-negative, or -1 on an error.
+    // hold every character, and in the ANSI code page otherwise and in a binary mode of UTF-8. Non-negative, or -1 on
+    // an error.
     int puts(BryString text) const;
 
     // Moves the position by offset bytes from the start (origin 0), the position (1) or the end (2). 0, or non-zero

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <random>
 #include <string>
+#include <tuple>
 
 #include "tests/support/Printers.h"
 
@@ -22,198 +24,104 @@ Text toModel(const BryString& text) {
 
 TEST(BryStringSubstring, TakesPartsByPositionAndCount) {
     const BryString text(L"abcde");
-    const struct {
-        const char* when;
-        BryString got, expected;
-    } rows[] = {
-        {"left of nothing", text.left(0), L""},
-        {"left below nothing", text.left(-1), L""},
-        {"left", text.left(2), L"ab"},
-        {"left of all", text.left(5), L"abcde"},
-        {"left of more", text.left(99), L"abcde"},
-        {"right of nothing", text.right(0), L""},
-        {"right below nothing", text.right(INT_MIN), L""},
-        {"right", text.right(2), L"de"},
-        {"right of more", text.right(INT_MAX), L"abcde"},
-        {"count reaches past the end", text.mid(1, 99), L"bcde"},
-        {"count reaches past all numbers", text.mid(4, INT_MAX), L"e"},
-        {"start is the length", text.mid(5, 1), L""},
-        {"to the end", text.mid(3), L"de"},
-        {"from the length to the end", text.mid(5), L""},
-        {"all", text.mid(0), L"abcde"},
-        {"start beyond the length", text.mid(6, 1), L""},
-        {"start below 0", text.mid(-1, 3), L""},
-        {"count below 0", text.mid(1, -1), L""},
-        {"shifted", text >> 2, L"cde"},
-        {"shifted by nothing", text >> 0, L"abcde"},
-        {"shifted by all", text >> 5, L""},
-        {"shifted by more", text >> 6, L""},
-        {"reversed", text.strRev(), L"edcba"},
-    };
-    for (const auto& row : rows) EXPECT_EQ(row.got, row.expected) << row.when;
+    const std::tuple<int, BryString, BryString, BryString> sides[] = {
+        {0, L"", L"", L"abcde"},  {INT_MIN, L"", L"", L"abcde"}, {2, L"ab", L"de", L"cde"},
+        {5, text, L"abcde", L""}, {6, L"abcde", L"abcde", L""},  {INT_MAX, text, L"abcde", L""}};
+    for (const auto& [n, left, right, rest] : sides) {
+        BryString shifted(text.getStringW());
+        EXPECT_TRUE(text.left(n) == left && text.right(n) == right) << n;
+        EXPECT_TRUE((text >> n) == rest && (shifted >>= n) == rest && shifted == rest) << n;
+    }
+    const std::tuple<int, int, BryString> middles[] = {
+        {1, 2, L"bc"}, {1, 99, L"bcde"}, {4, INT_MAX, L"e"}, {0, 5, L"abcde"}, {5, 1, L""}, {6, 1, L""},
+        {-1, 3, L""},  {1, -1, L""},     {3, 9, L"de"},      {0, 9, L"abcde"}, {1, 0, L""}};
+    for (const auto& [start, count, expected] : middles) {
+        BryString copy(L"old"), rest(L"old");
+        EXPECT_EQ(text.mid(start, count), expected) << start << ", " << count;
+        EXPECT_TRUE(copy.copy(text, start, count) == expected && copy == expected) << start << ", " << count;
+        if (count < 9) continue;
+        EXPECT_TRUE(text.mid(start) == expected && rest.copy(text, start) == expected) << start;
+    }
+    BryString itself(L"abcde");
+    EXPECT_TRUE(text.mid(5).isEmpty() && itself.copy(itself, 3) == L"de" && itself == L"de");
     EXPECT_EQ(text, L"abcde");
 }
 
-TEST(BryStringCopy, TakesAPartOfAnotherText) {
-    const BryString source(L"abcde");
-    const struct {
-        int start, count;
-        BryString expected;
-    } rows[] = {{1, 2, L"bc"}, {4, 9, L"e"}, {5, 1, L""}, {7, 2, L""}, {-1, 2, L""}, {0, 5, L"abcde"}, {2, -1, L""}};
-    for (const auto& row : rows) {
-        BryString text(L"old");
-        EXPECT_EQ(text.copy(source, row.start, row.count), row.expected) << row.start << ", " << row.count;
-        EXPECT_EQ(text, row.expected);
+TEST(BryStringReplace, CountsAndDoesNotLookIntoTheInsertedText) {
+    // clang-format off
+    const std::tuple<BryString, wchar_t, wchar_t, int, BryString> units[] = {
+        {L"hello", L'l', L'L', 2, L"heLLo"}, {L"hello", L'x', L'y', 0, L"hello"}, {L"", L'a', L'b', 0, L""},
+        {L"a.b.c", L'.', L'\0', 2, L"a"}, {L"abc", L'\0', L'x', 0, L"abc"},
+        {L"aa", L'a', L'\xFFFF', 2, L"\xFFFF\xFFFF"}};
+    const std::tuple<BryString, BryString, BryString, int, BryString> texts[] = {
+        {L"aaa", L"a", L"aa", 3, L"aaaaaa"}, {L"abc", L"", L"x", 0, L"abc"}, {L"", L"a", L"b", 0, L""},
+        {L"abc", L"abc", L"", 1, L""}, {L"abc", L"abcd", L"x", 0, L"abc"}, {L"abab", L"ab", L"abab", 2, L"abababab"}};
+    // clang-format on
+    for (const auto& [before, from, to, count, expected] : units) {
+        BryString wide(before), spelled(before);
+        const auto shortFrom = static_cast<unsigned short>(from), shortTo = static_cast<unsigned short>(to);
+        EXPECT_TRUE(wide.replace(from, to) == count && spelled.replace(shortFrom, shortTo) == count);
+        EXPECT_TRUE(wide == expected && spelled == expected) << testing::PrintToString(before);
     }
-    BryString text(L"old");
-    EXPECT_EQ(text.copy(source, 3), L"de");
-    EXPECT_EQ(text.copy(text, 1), L"e") << "its own text";
-    BryString shifted(L"abcde");
-    EXPECT_EQ(shifted >>= 2, L"cde");
-    EXPECT_EQ(shifted >>= -7, L"cde");
-}
-
-TEST(BryStringReplaceCharacter, CountsAndLeavesSharersAlone) {
-    const struct {
-        BryString text;
-        wchar_t from, to;
-        int count;
-        BryString expected;
-    } rows[] = {
-        {L"hello", L'l', L'L', 2, L"heLLo"},
-        {L"hello", L'x', L'y', 0, L"hello"},
-        {L"", L'a', L'b', 0, L""},
-        {L"a.b.c", L'.', L'\0', 2, L"a"},
-        {L"aaa", L'a', L'\xFFFF', 3, L"\xFFFF\xFFFF\xFFFF"},
-        {L"abc", L'\0', L'x', 0, L"abc"},
-    };
-    for (const auto& row : rows) {
-        BryString wide(row.text), spelled(row.text), bytes(row.text);
-        const BryString sharer(wide);
-        EXPECT_EQ(wide.replace(row.from, row.to), row.count);
-        EXPECT_EQ(wide, row.expected);
-        EXPECT_EQ(spelled.replace(static_cast<unsigned short>(row.from), static_cast<unsigned short>(row.to)),
-                  row.count);
-        EXPECT_EQ(spelled, row.expected);
-        EXPECT_EQ(sharer, row.text);
+    for (const auto& [before, what, with, count, expected] : texts) {
+        BryString text(before);
+        EXPECT_EQ(text.replace(what, with), count) << testing::PrintToString(before);
+        EXPECT_EQ(text, expected);
     }
-    BryString text(L"\xE4\xE4");
-    EXPECT_EQ(text.replace('\xE4', '\xF6'), 2) << "8-bit characters are of the ANSI code page";
-    EXPECT_EQ(text, L"\xF6\xF6");
-}
-
-TEST(BryStringReplaceText, DoesNotLookIntoTheInsertedText) {
-    const struct {
-        BryString text, what, with;
-        int count;
-        BryString expected;
-    } rows[] = {
-        {L"aaa", L"a", L"aa", 3, L"aaaaaa"},
-        {L"xabyab", L"ab", L"", 2, L"xy"},
-        {L"abc", L"", L"x", 0, L"abc"},
-        {L"", L"a", L"b", 0, L""},
-        {L"aaaa", L"aa", L"a", 2, L"aa"},
-        {L"aaaaa", L"aa", L"b", 2, L"bba"},
-        {L"abc", L"abc", L"", 1, L""},
-        {L"abc", L"abcd", L"x", 0, L"abc"},
-        {L"abab", L"ab", L"abab", 2, L"abababab"},
-        {L"IPE200", L"IPE", L"HEB", 1, L"HEB200"},
-    };
-    for (const auto& row : rows) {
-        BryString text(row.text);
-        EXPECT_EQ(text.replace(row.what, row.with), row.count) << testing::PrintToString(row.text);
-        EXPECT_EQ(text, row.expected);
-    }
-    BryString itself(L"ab");
-    EXPECT_EQ(itself.replace(itself, itself), 1);
-    EXPECT_EQ(itself, L"ab");
-    EXPECT_EQ(itself.replace(itself, BryString()), 1);
-    EXPECT_TRUE(itself.isEmpty());
+    BryString itself(L"ab"), ansi(L"\xE4\xE4");
+    EXPECT_TRUE(ansi.replace('\xE4', '\xF6') == 2 && ansi == L"\xF6\xF6") << "units of the ANSI code page";
+    EXPECT_TRUE(itself.replace(itself, itself) == 1 && itself == L"ab");
+    EXPECT_TRUE(itself.replace(itself, BryString()) == 1 && itself.isEmpty());
 }
 
 TEST(BryStringReplaceRange, PutsTextInPlaceOfCharacters) {
-    const struct {
-        int start, count;
-        BryString expected;
-    } rows[] = {
-        {1, 2, L"aXYde"},
-        {0, 5, L"XY"},
-        {0, 1, L"XYbcde"},
-        {4, 1, L"abcdXY"},
-        {4, 99, L"abcdXY"},
-        {5, 1, L"abcdeXY"},
-        {9, 1, L"abcdeXY"},
-        {1, 0, L"abcde"},
-        {1, -1, L"abcde"},
-        {-2, 3, L"XYbcde"},
-        {-5, 2, L"XYabcde"},
-        {1, INT_MAX, L"aXY"},
-        {INT_MAX, INT_MAX, L"abcdeXY"},
-        {INT_MIN, 1, L"XYabcde"},
-    };
-    for (const auto& row : rows) {
-        BryString text(L"abcde");
-        EXPECT_EQ(text.replace(row.start, row.count, L"XY"), row.expected) << row.start << ", " << row.count;
-    }
+    // clang-format off
+    const std::tuple<int, int, BryString> rows[] = {
+        {1, 2, L"aXYde"}, {0, 5, L"XY"}, {0, 1, L"XYbcde"}, {4, 1, L"abcdXY"}, {4, 99, L"abcdXY"}, {5, 1, L"abcdeXY"},
+        {9, 1, L"abcdeXY"}, {1, 0, L"abcde"}, {1, -1, L"abcde"}, {-2, 3, L"XYbcde"}, {-5, 2, L"XYabcde"},
+        {1, INT_MAX, L"aXY"}, {INT_MIN, 1, L"XYabcde"}, {INT_MAX, INT_MAX, L"abcdeXY"}};
+    // clang-format on
+    for (const auto& [start, count, expected] : rows)
+        EXPECT_EQ(BryString(L"abcde").replace(start, count, L"XY"), expected) << start << ", " << count;
     BryString itself(L"abc");
     EXPECT_EQ(itself.replace(1, 1, itself), L"aabcc");
     EXPECT_TRUE(itself.replace(0, 99, BryString()).isEmpty());
 }
 
-TEST(BryStringSetAt, ReplacesOneUnitOrCuts) {
-    BryString text(L"abc");
-    EXPECT_EQ(text.setAt(1, L'X'), L"aXc");
+TEST(BryStringUnits, AreSetAndRemovedInEverySpelling) {
+    BryString text(L"abc"), many(L"axb\xE4x");
+    EXPECT_EQ(text.setAt(1, L'X').setAt(-1, L'y').setAt(3, L'y'), L"aXc") << "the length is no position";
     EXPECT_EQ(text.setAt(0, text[2]), L"cXc") << "its own unit";
-    EXPECT_EQ(text.setAt(2, '\xE4'), L"cX\xE4");
-    EXPECT_EQ(text.setAt(2, static_cast<unsigned short>('d')), L"cXd");
-    EXPECT_EQ(text.setAt(3, L'y'), L"cXd") << "the length is no position";
-    EXPECT_EQ(text.setAt(-1, L'y'), L"cXd");
+    EXPECT_EQ(text.setAt(2, '\xE4').setAt(1, static_cast<unsigned short>('d')), L"cd\xE4");
     EXPECT_EQ(text.setAt(1, L'\0'), L"c");
     EXPECT_TRUE(text.setAt(0, L'\0').isEmpty());
+    many.removeAll(L'x');
+    many.removeAll('\xE4');
+    EXPECT_EQ(many, L"ab");
+    many.removeAll(static_cast<unsigned short>('a'));
+    many.removeAll(many[0]);
+    EXPECT_TRUE(many.isEmpty());
 }
 
-TEST(BryStringRemoveAll, RemovesEveryUnit) {
-    BryString text(L"axbxc");
-    text.removeAll(L'x');
-    EXPECT_EQ(text, L"abc");
-    text.removeAll(static_cast<unsigned short>('a'));
-    text.removeAll('c');
-    EXPECT_EQ(text, L"b");
-    text.removeAll(text[0]);
-    EXPECT_TRUE(text.isEmpty());
-}
-
-TEST(BryStringTrim, TakesRunsOffTheEnds) {
-    const struct {
-        BryString text, set, left, right;
-    } rows[] = {
-        {L"\t\n a b \t", L"\t\n ", L"a b \t", L"\t\n a b"},
-        {L" \t ", L" \t", L"", L""},
-        {L"abc", L"", L"abc", L"abc"},
-        {L"", L"x", L"", L""},
-        {L"0010", L"0", L"10", L"001"},
-        {L"xyabcyx", L"xy", L"abcyx", L"xyabc"},
-        {L"zya", L"abcdefghijklmnopqrstuvwxyz", L"", L""},
-        {L"\xFFFF-a\x8000", L"\xFFFF-\x8000 0123456789abcdefg", L"", L""},
-    };
-    for (const auto& row : rows) {
-        BryString left(row.text), right(row.text);
-        left.TrimLeft(row.set);
-        right.TrimRight(row.set);
-        EXPECT_EQ(left, row.left) << testing::PrintToString(row.text);
-        EXPECT_EQ(right, row.right) << testing::PrintToString(row.text);
+TEST(BryStringTrim, TakesRunsOffTheEndsButNoCarriageReturnByDefault) {
+    // clang-format off
+    const std::tuple<BryString, BryString, BryString, BryString> rows[] = {
+        {L"\t\n a b \t", L"\t\n ", L"a b \t", L"\t\n a b"}, {L" \t ", L" \t", L"", L""}, {L"abc", L"", L"abc", L"abc"},
+        {L"", L"x", L"", L""}, {L"xyabcyx", L"xy", L"abcyx", L"xyabc"},
+        {L"zya", L"abcdefghijklmnopqrstuvwxyz", L"", L""}, {L"by!a", L"abcdefghijkly", L"!a", L"by!"},
+        {L"\xFFFF-a\x8000", L"\xFFFF-\x8000 0123456789abcdefg", L"", L""}};
+    // clang-format on
+    for (const auto& [text, set, leftTrimmed, rightTrimmed] : rows) {
+        BryString left(text), right(text);
+        left.TrimLeft(set);
+        right.TrimRight(set);
+        EXPECT_TRUE(left == leftTrimmed && right == rightTrimmed) << testing::PrintToString(text);
     }
-}
-
-TEST(BryStringTrim, KeepsACarriageReturnByDefault) {
-    BryString text(L"\t\n a b\r\n");
+    BryString text(L"\t\n a b\r\n"), itself(L"aba");
     text.TrimLeft();
     EXPECT_EQ(text, L"a b\r\n");
     text.TrimRight();
     EXPECT_EQ(text, L"a b\r");
-    text.TrimRight();
-    EXPECT_EQ(text, L"a b\r");
-    BryString itself(L"aba");
     itself.TrimLeft(itself);
     EXPECT_TRUE(itself.isEmpty());
 }
@@ -224,7 +132,6 @@ TEST(BryStringCase, MapsTheLettersAToZ) {
     EXPECT_EQ(text.toUpper(), L"AZAZ09_\xE4\xC4\x0434@[`{");
     EXPECT_EQ(text.toLower(), L"azaz09_\xE4\xC4\x0434@[`{");
     EXPECT_EQ(sharer, L"azAZ09_\xE4\xC4\x0434@[`{");
-    EXPECT_TRUE(BryString().toUpper().isEmpty());
 }
 
 // Random texts over small alphabets, of lengths on both sides of every vector size, against the obvious model.
@@ -247,32 +154,27 @@ TEST(BryStringEditing, AgreesWithTheModel) {
         std::size_t at = 0;
         for (std::size_t f; (f = text.find(what, at)) != Text::npos; at = f + what.size(), ++count)
             expected += text.substr(at, f - at) + with;
-        expected += text.substr(at);
-        BryString replaced(original);
+        BryString replaced(original), swapped(original), left(original), right(original), without(original);
         ASSERT_EQ(replaced.replace(toBry(what), toBry(with)), count);
-        ASSERT_EQ(toModel(replaced), expected);
+        ASSERT_EQ(toModel(replaced), expected + text.substr(at));
 
         const char16_t unit = what[0], other = static_cast<char16_t>(unit + 1);
-        Text swapped = text, without, reversed(text.rbegin(), text.rend());
-        for (char16_t& c : swapped) c = c == unit ? other : c;
-        for (const char16_t c : text) without += c == unit ? u"" : Text(1, c);
-        BryString s(original), w(original);
-        ASSERT_EQ(s.replace(static_cast<wchar_t>(unit), static_cast<wchar_t>(other)),
-                  static_cast<int>(text.size() - without.size()));
-        ASSERT_EQ(toModel(s), swapped);
-        w.removeAll(static_cast<wchar_t>(unit));
-        ASSERT_EQ(toModel(w), without);
-        ASSERT_EQ(toModel(original.strRev()), reversed);
-        ASSERT_EQ(original.find(toBry(what)), static_cast<int>(static_cast<long>(text.find(what))));
-        ASSERT_EQ(original.find_last_of(static_cast<wchar_t>(unit)),
-                  static_cast<int>(static_cast<long>(text.rfind(unit))));
+        Text others = text, rest = text;
+        std::replace(others.begin(), others.end(), unit, other);
+        rest.erase(std::remove(rest.begin(), rest.end(), unit), rest.end());
+        ASSERT_EQ(swapped.replace(wchar_t(unit), wchar_t(other)), int(text.size() - rest.size()));
+        ASSERT_EQ(toModel(swapped), others);
+        without.removeAll(wchar_t(unit));
+        ASSERT_EQ(toModel(without), rest);
+        ASSERT_EQ(toModel(original.strRev()), Text(text.rbegin(), text.rend()));
+        ASSERT_EQ(original.find(toBry(what)), int(long(text.find(what))));
+        ASSERT_EQ(original.find_last_of(wchar_t(unit)), int(long(text.rfind(unit))));
 
         const std::size_t first = text.find_first_not_of(what), last = text.find_last_not_of(what);
-        BryString l(original), r(original);
-        l.TrimLeft(toBry(what));
-        r.TrimRight(toBry(what));
-        ASSERT_EQ(toModel(l), first == Text::npos ? Text() : text.substr(first));
-        ASSERT_EQ(toModel(r), last == Text::npos ? Text() : text.substr(0, last + 1));
+        left.TrimLeft(toBry(what));
+        right.TrimRight(toBry(what));
+        ASSERT_EQ(toModel(left), first == Text::npos ? Text() : text.substr(first));
+        ASSERT_EQ(toModel(right), text.substr(0, last + 1));
         ASSERT_EQ(toModel(original), text);
     }
 }
@@ -282,14 +184,13 @@ TEST(BryStringEditing, IsLinear) {
     BryString text(L"ab,cdefghi");
     while (text.length() < 4'000'000) text += text;
     const int tens = text.length() / 10;
-    BryString replaced(text), removed(text), blanks(text);
-    EXPECT_EQ(replaced.replace(L",", L"; "), tens);
-    EXPECT_EQ(replaced.length(), text.length() + tens);
-    EXPECT_EQ(replaced.replace(L"; ", L","), tens);
-    EXPECT_EQ(replaced, text);
-    removed.removeAll(L',');
-    EXPECT_EQ(removed.length(), text.length() - tens);
-    EXPECT_EQ(blanks.replace(L"ab,cdefghi", L" "), tens);
-    blanks.TrimLeft();
-    EXPECT_TRUE(blanks.isEmpty());
+    BryString changed(text);
+    EXPECT_EQ(changed.replace(L",", L"; "), tens);
+    EXPECT_EQ(changed.length(), text.length() + tens);
+    EXPECT_TRUE(changed.replace(L"; ", L",") == tens && changed == text);
+    changed.removeAll(L',');
+    EXPECT_EQ(changed.length(), text.length() - tens);
+    EXPECT_EQ(changed.replace(L"abcdefghi", L" "), tens);
+    changed.TrimLeft();
+    EXPECT_TRUE(changed.isEmpty());
 }
