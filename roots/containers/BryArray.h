@@ -193,7 +193,8 @@ T* BryArrayMemoryController<T>::create(long count, long overwritten) {
     static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__,
                   "BryArray's storage is aligned as operator new[] aligns, which is too little for this type");
     // allocateArray multiplies in 32 bits: what does not fit would come out short.
-    if (count < 0 || static_cast<unsigned long long>(count) > UINT32_MAX / sizeof(T)) throw std::bad_alloc();
+    if (count < 0 || count > INT32_MAX || static_cast<unsigned long long>(count) > UINT32_MAX / sizeof(T))
+        throw std::bad_alloc();
 
     T* slots =
         reinterpret_cast<T*>(BryMemoryControllerController::allocateArray(count, static_cast<unsigned int>(sizeof(T))));
@@ -306,14 +307,14 @@ void BryArray<T, Reallocator, MemoryController>::replaceStorage(long n) {
     if (m_storage != nullptr) m_memory.destroy(m_storage, m_physicalLength);
     m_storage = fresh;
     m_physicalLength = n;
-    m_logicalLength = std::min(m_logicalLength, n);
+    m_logicalLength = (std::min)(m_logicalLength, n);
 }
 
 template <class T, class Reallocator, class MemoryController>
 void BryArray<T, Reallocator, MemoryController>::growToHold(long long count) {
     if (count <= m_physicalLength) return;
     if (count > kLongest) throw std::bad_alloc();
-    const long long step = m_growLength > 0 ? std::min<long long>(m_growLength, kLongest) : 8;
+    const long long step = m_growLength > 0 ? (std::min<long long>)(m_growLength, kLongest) : 8;
     const long long rounded = ((count - 1) / step + 1) * step;
     if (rounded > kLongest) throw std::bad_alloc();
     setPhysicalLength(static_cast<long>(rounded));
@@ -348,8 +349,7 @@ inline BryArray<T, Reallocator, MemoryController>& BryArray<T, Reallocator, Memo
 template <class T, class Reallocator, class MemoryController>
 inline long BryArray<T, Reallocator, MemoryController>::append(const T& value) {
     const long i = m_logicalLength;
-    // One comparison: a negative length, too, is no position within the storage.
-    if (static_cast<unsigned long>(i) < static_cast<unsigned long>(m_physicalLength)) {
+    if (i >= 0 && i < m_physicalLength) {
         m_storage[i] = value;
         m_logicalLength = i + 1;
     } else {
@@ -361,7 +361,7 @@ inline long BryArray<T, Reallocator, MemoryController>::append(const T& value) {
 template <class T, class Reallocator, class MemoryController>
 void BryArray<T, Reallocator, MemoryController>::setBeyond(long i, T value) {
     if (i < 0) return;
-    growToHold(std::min<long long>(i, kLongest) + 1);
+    growToHold((std::min<long long>)(i, kLongest) + 1);
     m_storage[i] = std::move(value);
     m_logicalLength = i + 1;
 }
@@ -370,7 +370,7 @@ template <class T, class Reallocator, class MemoryController>
 BryArray<T, Reallocator, MemoryController>& BryArray<T, Reallocator, MemoryController>::append(const BryArray& other) {
     const long count = other.m_logicalLength;
     if (count < 1) return *this;
-    const long end = std::max(m_logicalLength, 0L);
+    const long end = (std::max)(m_logicalLength, 0L);
     growToHold(static_cast<long long>(end) + count);
     std::copy_n(other.m_storage, count, m_storage + end);
     m_logicalLength = end + count;
@@ -421,7 +421,7 @@ BryArray<T, Reallocator, MemoryController>& BryArray<T, Reallocator, MemoryContr
 
 template <class T, class Reallocator, class MemoryController>
 int BryArray<T, Reallocator, MemoryController>::find(const T& value, long& index, long start) const {
-    for (long i = std::max(start, 0L); i < m_logicalLength; ++i) {
+    for (long i = (std::max)(start, 0L); i < m_logicalLength; ++i) {
         if (m_storage[i] == value) {
             index = i;
             return 1;
@@ -468,7 +468,7 @@ int BryArray<T, Reallocator, MemoryController>::bsearch(const T& key, long& inde
 template <class T, class Reallocator, class MemoryController>
 int BryArray<T, Reallocator, MemoryController>::lfind(const T& key, long& index, Compare compare, long start) const {
     index = -1;
-    for (long i = std::max(start, 0L); i < m_logicalLength; ++i) {
+    for (long i = (std::max)(start, 0L); i < m_logicalLength; ++i) {
         if (compare(&key, m_storage + i) == 0) {
             index = i;
             return 1;

@@ -154,7 +154,6 @@ std::uint64_t bytesFor(unsigned int count) { return std::min<std::uint64_t>(std:
 
 struct BryFileAccess::Shared {
     std::FILE* stream;  // null once it is closed
-    bool wideLines;     // whether lines are wide text; a binary stream of UTF-8 has bytes
     int owners;
 };
 
@@ -162,8 +161,7 @@ BryFileAccess::BryFileAccess(const BryString& fileName, const BryString& mode, e
     : m_shared(nullptr), m_encoding(encoding) {
     if (fileName.isEmpty()) return;
     const BryString openMode = mode + modeSuffix(encoding);
-    const bool wideLines = encoding != encodeANSI && !(encoding == encodeUTF8 && mode.find(L"b") >= 0);
-    std::unique_ptr<Shared> shared(new Shared{nullptr, wideLines, 1});
+    std::unique_ptr<Shared> shared(new Shared{nullptr, 1});
     shared->stream = openFile(fileName, openMode);
     m_shared = shared.release();
 }
@@ -242,7 +240,7 @@ int BryFileAccess::write(const unsigned short* format, ...) const {
 // NOLINTNEXTLINE(performance-unnecessary-value-param): hosts call it with a value of their own
 int BryFileAccess::puts(BryString text) const {
     if (!isOpen()) return -1;
-    if (!m_shared->wideLines) return crt::fputs(text.getStringA(), stream());
+    if (m_encoding == encodeANSI) return crt::fputs(text.getStringA(), stream());
     const int result = crt::fputws(text.getStringW(), stream());
     return result == 0xFFFF ? -1 : result;  // some runtimes answer with the end mark of wide characters
 }
@@ -256,7 +254,7 @@ unsigned int BryFileAccess::read(void* buffer, unsigned int size, unsigned int c
 BryString BryFileAccess::gets(BryString& line, int maxChars) {
     if (!isOpen())
         line.empty();
-    else if (!m_shared->wideLines)
+    else if (m_encoding == encodeANSI)
         line = readLine<char, 512>(stream(), maxChars, crt::fgets);
     else
         line = readLine<wchar_t, 256>(stream(), maxChars, crt::fgetws);

@@ -38,7 +38,8 @@ public:
 
     // Opens the file; isOpen() tells whether that succeeded. The empty name opens nothing. The three encodings with a
     // name write a byte order mark at the start of a new or empty file, at once; the mark of a file that has one is
-    // skipped, and decides about the encoding whatever was asked for.
+    // skipped, and decides about the encoding whatever was asked for. Encodings are for text: with a b in the mode, the
+    // runtime moves the 16-bit units of wide text as they are.
     BryFileAccess(const BryString& fileName, const BryString& mode, encodeType encoding);
 
     BryFileAccess(const BryFileAccess& other) noexcept;
@@ -77,12 +78,12 @@ public:
     // Reads a line of at most maxChars - 1 characters into line, its line feed included; the rest of a longer one is
     // the next line. Empty at the end of the file and for a maxChars below 2. Any maxChars is safe: above 512 for 8-bit
     // text and 256 for wide text, memory of its own is used. Files with an encoding are read as wide text, whatever the
-    // characters; others, and UTF-8 files in a binary mode, are 8-bit text in the ANSI code page. A zero character ends
+    // characters; others are 8-bit text in the ANSI code page. A zero character ends
     // the text. Returns a copy of line.
     BryString gets(BryString& line, int maxChars);
 
     // Writes the text, without adding a line feed; as wide text where the file has an encoding, so that UTF-8 files
-    // hold every character, and in the ANSI code page otherwise and in a binary mode of UTF-8. Non-negative, or -1 on
+    // hold every character, and in the ANSI code page otherwise. Non-negative, or -1 on
     // an error.
     int puts(BryString text) const;
 

@@ -9,6 +9,7 @@
 // are zero-terminated. A routine that returns an error number returns
 //
 //   0    success: the text and its terminator are written, nothing behind them
+//   12   memory is out (only where the routine has to allocate)
 //   22   a bad argument (EINVAL): a null pointer, size 0, a text without terminator within its size, an unknown radix
 //   34   the destination is too small (ERANGE)
 //   80   the text was cut to fit (STRUNCATE), where the count asked for that

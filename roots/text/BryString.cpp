@@ -4,13 +4,15 @@
 #include <roots/platform/Win32.h>
 
 #include <climits>
+#include <cstdint>
 #include <cstring>
 #include <new>
 
 // ---- the body ------------------------------------------------------------------------------------
 
 BryStringRepr* BryStringRepr::make(std::size_t length) {
-    if (length > INT_MAX) throw std::bad_alloc();
+    constexpr std::size_t kMost = (SIZE_MAX - sizeof(BryStringRepr)) / sizeof(wchar_t) - 1;
+    if (length > INT_MAX || length > kMost) throw std::bad_alloc();
     void* const block = ::operator new(sizeof(BryStringRepr) + (length + 1) * sizeof(wchar_t));
     wchar_t* const buffer = reinterpret_cast<wchar_t*>(static_cast<char*>(block) + sizeof(BryStringRepr));
     buffer[length] = 0;
@@ -79,7 +81,7 @@ BryString::BryString(unsigned short const* text) : BryString(asWide(text)) {}
 BryString::BryString(char const* text) : BryString(makeRep(text, CP_ACP)) {}
 
 BryString& BryString::operator=(BryString&& other) noexcept {
-    if (this != &other) {
+    if (m_rep != other.m_rep) {
         ReleaseCharCache();
         ReleaseRep();
         m_rep = other.m_rep;
@@ -94,7 +96,7 @@ BryString& BryString::operator=(wchar_t const* text) {
     return take(text ? makeRep(text, wide::length(text)) : m_repEmpty);
 }
 BryString& BryString::operator=(unsigned short const* text) { return *this = asWide(text); }
-BryString& BryString::operator=(char const* text) { return take(makeRep(text, CP_ACP)); }
+BryString& BryString::operator=(char const* text) { return *this = BryString(text); }
 
 BryString::BryString(const Characters& chars, int from, int to) : BryString() {
     if (from >= chars.logicalLength() || to >= chars.logicalLength() || from > to) return;
@@ -119,7 +121,7 @@ int BryString::compare(const BryString& a, const BryString& b) {
 }
 
 int BryString::compare(const BryString& a, const BryString& b, int n) {
-    return n < 1 ? 0 : wide::compare(a.getStringW(), b.getStringW(), static_cast<std::size_t>(n));
+    return wide::compare(a.getStringW(), b.getStringW(), static_cast<std::size_t>(n));
 }
 
 int BryString::compareNoCase(const BryString& a, const BryString& b) {
@@ -127,7 +129,7 @@ int BryString::compareNoCase(const BryString& a, const BryString& b) {
 }
 
 int BryString::compareNoCase(const BryString& a, const BryString& b, int n) {
-    return n < 1 ? 0 : _wcsnicmp(a.getStringW(), b.getStringW(), static_cast<std::size_t>(n));
+    return _wcsnicmp(a.getStringW(), b.getStringW(), static_cast<std::size_t>(n));
 }
 
 int BryString::strCompare(void const* a, void const* b) {
@@ -209,7 +211,7 @@ bool BryString::IsNumeric() const {
 }
 
 int BryString::toInteger() const { return _wtoi(getStringW()); }
-std::intptr_t BryString::toIntPtr() const { return toInteger(); }
+int BryString::toIntPtr() const { return toInteger(); }
 long BryString::toLong() const { return _wtol(getStringW()); }
 double BryString::toDouble() const { return _wtof(getStringW()); }
 

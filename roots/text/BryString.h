@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <ctime>
 
-// The body that strings share: a zero-terminated text that never changes once it is made, and the number of strings
-// that share it. Only BryString makes and destroys bodies. Its text is overwritten with zeros before it is released.
+// The body that strings share: a zero-terminated text that never changes while it is shared, and the number of strings
+// that share it. Its text is overwritten with zeros before it is released.
 class KELROOTS_API BryStringRepr final {
     friend class BryString;
     friend class BryNumberCreator;
@@ -62,7 +62,8 @@ public:
         ReleaseCharCache();
     }
 
-    // Strings that share a body already are left alone, the 8-bit form kept.
+    // Strings that share a body already are left alone, the 8-bit form kept. A string that is moved from is empty then,
+    // unless it shared this one's body.
     BryString& operator=(const BryString& other) noexcept {
         if (m_rep != other.m_rep) {
             BryStringRepr* const rep = other.m_rep;  // other may be a part of what is released
@@ -89,7 +90,7 @@ public:
 
     // -1, 0 or +1.
     static int compare(const BryString& a, const BryString& b);
-    // Over at most n units: negative, 0 or positive. An n below 1 compares nothing and gives 0.
+    // Over at most n units: negative, 0 or positive. An n of 0 compares nothing, a negative one the whole texts.
     static int compare(const BryString& a, const BryString& b, int n);
     // Without regard to case, as the C runtime's locale has it (in the "C" locale the letters A to Z only): negative,
     // 0 or positive.
@@ -139,7 +140,7 @@ public:
     // The number at the start of the text behind any blanks; what follows it is ignored. No number gives 0. Integers
     // stop at the limits of 32 bits.
     int toInteger() const;
-    std::intptr_t toIntPtr() const;  // what toInteger() gives, as wide as a pointer
+    int toIntPtr() const;  // what toInteger() gives
     long toLong() const;
     double toDouble() const;
 

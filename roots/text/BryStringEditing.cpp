@@ -6,8 +6,10 @@
 #include <roots/text/BryString.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 #include <memory>
+#include <new>
 
 namespace {
 
@@ -167,7 +169,10 @@ int BryString::replace(const BryString& what, const BryString& with) {
     const std::size_t count = found.count();
     if (count == 0) return 0;
 
-    const std::size_t put = wide::length(insert), newLength = units - count * gone + count * put;
+    const std::size_t put = wide::length(insert);
+    const std::uint64_t longLength = units - count * gone + std::uint64_t(count) * put;
+    if (longLength > INT_MAX) throw std::bad_alloc();
+    const auto newLength = static_cast<std::size_t>(longLength);
     if (newLength == 0) {
         empty();
         return static_cast<int>(count);

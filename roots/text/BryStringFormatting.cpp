@@ -88,8 +88,8 @@ BryString& BryString::format(char const* fmt, ...) {
 }
 
 BryString& BryString::formatTime(unsigned maxSize, char const* fmt, std::tm const* t) {
-    if (!fmt || !t) return empty();
-    const std::unique_ptr<char[]> buffer(new char[std::size_t(maxSize) + 1]);
+    if (!fmt || !t || maxSize == 0) return empty();
+    const std::unique_ptr<char[]> buffer(new char[maxSize]);
     return *this = crt::strftime(buffer.get(), maxSize, fmt, t) != 0 ? buffer.get() : "";
 }
 

@@ -137,6 +137,9 @@ TEST(BryArray, CopiesItsLengthsAndLeavesAnEmptyArrayAlone) {
     array.removeAt(0).removeFirst().removeLast().reverse().setAll(7).append(Ints(array)).setAt(-1, 7);
     array.sort(compareInts);
     EXPECT_TRUE(array.length() == 0 && array.physicalLength() == 0);
+    Ints negative(-5);
+    negative.append(7);
+    EXPECT_TRUE(negative.physicalLength() == 8 && elementsOf(negative) == std::vector<int>{7});
 }
 
 TEST(BryArraySearch, AnswersPositionsOfTheWholeArrayInOrder) {

@@ -101,10 +101,6 @@ TEST_F(BryFileAccessTest, PutsAndGetsTextInItsEncoding) {
         EXPECT_NE(file.eof(), 0);
         EXPECT_EQ(file.puts(L"x"), -1);
     }
-    // In a binary mode UTF-8 is bytes, which are those of the ANSI code page.
-    EXPECT_GE(File(L"b", L"wb", File::encodeUTF8).puts(L"a\n\x20AC"), 0);
-    EXPECT_EQ(fileBytes("b"), kUtf8Mark + "a\n\x80");
-    EXPECT_EQ(File(L"b", L"rb", File::encodeUTF8).gets(line, 200), L"a\n");
 }
 
 TEST_F(BryFileAccessTest, GetsALineUpToTheCount) {

@@ -62,8 +62,8 @@ TEST(ScannedText, ReadsIntegers) {
         {"70000", "%hd", 4464, 5, 2}, {"  -12345", "%3d", -12, 5}, {"0x1F", "%3x", 1, 3}, {"5 6", "%*d%d", 6, 3},
         {"12 ,5", "%d ,", 12, 4}, {"12 %5", "%d%%", 12, 4}, {"a5", "a%d", 5, 2}, {"- 42", "%d", 0, none},
         {"+", "%d", 0, none}, {"0x", "%i", 0, none}, {"8", "%o", 0, none}, {"x", "%", 0, none},
-        {"0x1F", "%2x", 0, none}, {"5", "%y", 0, none}, {"5", "%*d%d", 0, none}, {" a5", "a%d", 0, none}, {"", "x", 0, ended},
-        {"", "%*d", 0, ended}, {"", "%%", 0, ended}, {"  ", "%d", 0, underWine() ? none : ended},
+        {"0x1F", "%2x", 0, none}, {"5", "%y", 0, none}, {"5", "%*d%d", 0, none}, {" a5", "a%d", 0, none},
+        {"", "x", 0, ended}, {"", "%*d", 0, ended}, {"", "%%", 0, ended}, {"  ", "%d", 0, underWine() ? none : ended},
     });
     long value = 1;
     unsigned long whole = 1;

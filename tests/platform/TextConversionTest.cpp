@@ -14,6 +14,8 @@ namespace {
 const UINT kPages[] = {874, 932, 936, 949, 950, 1250, 1251, 1252, 1253, 1254, 1255, 1256, 1257, 1258, 1361, CP_UTF8};
 
 // The answers of the two calls, or the error number made negative.
+constexpr int kBadArgument = -87, kTooSmall = -122, kBadFlags = -1004;
+
 int widened(UINT page, DWORD flags, const char* text, int length, wchar_t* to, int size) {
     SetLastError(0);
     const int count = MultiByteToWideChar(page, flags, text, length, to, size);
@@ -157,10 +159,10 @@ TEST(TextConversion, WritesWhatFitsIntoABufferThatIsTooSmall) {
         const int length = static_cast<int>(row.bytes.size()), size = static_cast<int>(row.bytesThatFit.size());
         std::vector<wchar_t> units(row.unitsThatFit.size());
         std::string bytes(row.bytesThatFit.size(), '.');
-        EXPECT_EQ(widened(row.page, 0, row.bytes.data(), length, units.data(), size), -ERROR_INSUFFICIENT_BUFFER);
+        EXPECT_EQ(widened(row.page, 0, row.bytes.data(), length, units.data(), size), kTooSmall);
         EXPECT_EQ(std::u16string(units.begin(), units.end()), row.unitsThatFit) << row.bytes;
         const int count = narrowed(row.page, 0, from.data(), static_cast<int>(from.size()), &bytes[0], size);
-        EXPECT_EQ(count, -ERROR_INSUFFICIENT_BUFFER) << row.bytes;
+        EXPECT_EQ(count, kTooSmall) << row.bytes;
         EXPECT_EQ(bytes, row.bytesThatFit) << row.bytes;
     }
 }
@@ -189,7 +191,7 @@ TEST(TextConversion, RefusesBadArguments) {
         {12345, 0, true, true, 1, 4}, {1252, 0x80000000, true, true, 1, 4}, {CP_UTF8, 0x80000000, true, true, 1, 4},
     };
     for (const auto& [page, flags, text, buffer, length, size] : rows) {
-        const int error = flags != 0 ? -ERROR_INVALID_FLAGS : -ERROR_INVALID_PARAMETER;
+        const int error = flags != 0 ? kBadFlags : kBadArgument;
         SCOPED_TRACE("page " + std::to_string(page) + " length " + std::to_string(length));
         EXPECT_EQ(widened(page, flags, text ? "a" : nullptr, length, buffer ? units : nullptr, size), error);
         EXPECT_EQ(narrowed(page, flags, text ? L"a" : nullptr, length, buffer ? bytes : nullptr, size), error);

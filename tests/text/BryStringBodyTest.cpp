@@ -54,7 +54,7 @@ TEST(BryStringBody, IsTheSharedEmptyOneForEveryEmptyText) {
         {"empty", [](S& s) { s.empty(); }}, {"TrimRight", [](S& s) { s.TrimRight(L"ab"); }},
         {"removeAll", [](S& s) { s.replace(L'b', L'a'), s.removeAll(L'a'); }}, {"mid", [](S& s) { s = s.mid(4); }},
         {"replace cutting", [](S& s) { s.replace(L'a', L'\0'); }}, {"replace", [](S& s) { s.replace(L"ab", L""); }},
-        {"left", [](S& s) { s = s.left(-1); }},
+        {"left", [](S& s) { s = s.left(-1); }}, {"replace range", [](S& s) { s.replace(0, 9, S()); }},
         {"removeAll of many", [](S& s) { s.format(L"%99s", L" "), s.removeAll(L' '); }},
         {"shifting", [](S& s) { s = s >> 4; }}};
     // clang-format on
@@ -120,8 +120,9 @@ TEST(BryStringBody, IsWipedBeforeItIsReleased) {
             text.toLower();
             text.replace(L'z', L'Z');
             text.TrimLeft(L"x");
-            text.setAt(0, L'Z');
+            text.setAt(0, L'x');
             text.getStringA();
+            text.setAt(1, L'\0');
         }
         EXPECT_GE(released, 8) << "bodies, texts and caches";
         EXPECT_EQ(unwiped, 0) << units << " units";

@@ -94,7 +94,7 @@ TEST(BryStringComparison, StopsAfterNUnitsAndLeavesOutCaseOnRequest) {
     const std::tuple<Compare, BryString, BryString, int, int> rows[] = {
         {exact, L"abcX", L"abcY", 3, 0}, {exact, L"abcX", L"abcY", 4, -1}, {exact, L"abcX", L"abcY", 99, -1},
         {exact, L"a", L"b", 0, 0}, {exact, L"abcX", L"abcXmore", 4, 0}, {noCase, L"IPEx", L"ipeY", 3, 0},
-        {noCase, L"IPEx", L"ipeY", 4, -1}, {noCase, L"a", L"b", -1, 0}, {whole, L"hea200B", L"HEA200b", 0, 0},
+        {noCase, L"IPEx", L"ipeY", 4, -1}, {noCase, L"a", L"b", -1, -1}, {exact, L"abcX", L"abcY", -1, -1}, {whole, L"hea200B", L"HEA200b", 0, 0},
         {whole, L"A", L"b", 0, -1}, {whole, L"B", L"a", 0, 1},
         // letters count as small ones; the C locale has A to Z only
         {whole, L"_", L"B", 0, -1}, {whole, L"\xE4", L"\xC4", 0, 1}};
@@ -113,6 +113,7 @@ TEST(BryStringAnsiForm, IsKeptUntilTheTextChanges) {
     const BryString copy(text);
     EXPECT_NE(copy.getStringA(), ansi) << "each string has its own";
     EXPECT_EQ((text = copy).getStringA(), ansi) << "the body is the same";
+    EXPECT_EQ((text = text.left(99)).getStringA(), ansi) << "so it is here";
     EXPECT_STREQ((text = L"Blech").getStringA(), "Blech");
 }
 

@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <iterator>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -198,34 +199,42 @@ errno_t errorText(Unit* to, std::size_t size, int error) {
 
 }  // namespace
 
-errno_t _dupenv_s(char** copy, std::size_t* count, const char* name) {
+errno_t _dupenv_s(char** copy, std::size_t* count, const char* name) try {
     if (copy != nullptr) *copy = nullptr;
     if (count != nullptr) *count = 0;
     if (copy == nullptr || name == nullptr) return fail(kBadArgument);
     const char* const value = findVariable(toWide(name).data());
     return value != nullptr ? duplicate(toAnsi(fromHost(value).data()).data(), copy, count) : 0;
+} catch (const std::bad_alloc&) {
+    return fail(kNoMemory);
 }
 
-errno_t _wdupenv_s(wchar_t** copy, std::size_t* count, const wchar_t* name) {
+errno_t _wdupenv_s(wchar_t** copy, std::size_t* count, const wchar_t* name) try {
     if (copy != nullptr) *copy = nullptr;
     if (count != nullptr) *count = 0;
     if (copy == nullptr || name == nullptr) return fail(kBadArgument);
     const char* const value = findVariable(name);
     return value != nullptr ? duplicate(fromHost(value).data(), copy, count) : 0;
+} catch (const std::bad_alloc&) {
+    return fail(kNoMemory);
 }
 
-errno_t _searchenv_s(const char* file, const char* variable, char* path, std::size_t size) {
+errno_t _searchenv_s(const char* file, const char* variable, char* path, std::size_t size) try {
     if (path == nullptr || size == 0) return fail(kBadArgument);
     if (file == nullptr || variable == nullptr) return fail(path, kBadArgument);
     const WideText found = findFile(toWide(file).data(), findVariable(toWide(variable).data()));
     return giveFound(found.empty() ? AnsiText{} : toAnsi(found.data()), path, size);
+} catch (const std::bad_alloc&) {
+    return fail(path, kNoMemory);
 }
 
 // The paths found are this system's own: the parts that are added have slashes.
-errno_t _wsearchenv_s(const wchar_t* file, const wchar_t* variable, wchar_t* path, std::size_t size) {
+errno_t _wsearchenv_s(const wchar_t* file, const wchar_t* variable, wchar_t* path, std::size_t size) try {
     if (path == nullptr || size == 0) return fail(kBadArgument);
     if (file == nullptr || variable == nullptr) return fail(path, kBadArgument);
     return giveFound(findFile(file, findVariable(variable)), path, size);
+} catch (const std::bad_alloc&) {
+    return fail(path, kNoMemory);
 }
 
 errno_t strerror_s(char* to, std::size_t size, int error) { return errorText(to, size, error); }

@@ -385,10 +385,9 @@ namespace {
 
 // The tables of a page, those of the ANSI code page at hand.
 const CodePage* pageOf(UINT codePage) {
-    static const CodePage* ansi = nullptr;
-    if (codePage != GetACP()) return codePage == CP_UTF8 ? nullptr : findCodePage(codePage);
-    if (!ansi && codePage != CP_UTF8) ansi = findCodePage(codePage);
-    return ansi;
+    static const CodePage* const ansi = GetACP() == CP_UTF8 ? nullptr : findCodePage(GetACP());
+    if (codePage == GetACP()) return ansi;
+    return codePage == CP_UTF8 ? nullptr : findCodePage(codePage);
 }
 
 }  // namespace
