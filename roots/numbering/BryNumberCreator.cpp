@@ -98,15 +98,16 @@ void BryNumberCreator::step(std::size_t length) {
     wchar_t* text = room.text() + 1;  // one unit in front, for the carry out of the leftmost character
     wide::copy(text, m_current.getStringW(), length + 1);
 
-    bool carry = true;
+    bool carry = true, cut = false;
     for (std::size_t i = length; carry && i-- > 0;) {
         int symbol = text[i] - first + 1;
         carry = symbol >= count;
         if (count > 0) symbol = symbol == count ? 0 : symbol % count;
         text[i] = static_cast<wchar_t>(first + symbol);
+        cut |= text[i] == 0;
     }
     if (carry) *--text = static_cast<wchar_t>(m_type == eNumberingNumeric ? first + 1 : first);
-    if (carry || !m_current.overwrite(text, length)) m_current = text;
+    if (carry || cut || !m_current.overwrite(text, length)) m_current = text;
 }
 
 int BryNumberCreator::checkNumber(const BryString& text) const {

@@ -300,7 +300,7 @@ private:
 
     bool hasSameText(const BryString& other) const;
     char const* makeAnsiForm() const;
-    // Puts a text of the same length into the body; false, and nothing done, where others share it or the text is cut.
+    // Puts a text of the same length into the body; false, and nothing done, where others share it.
     bool overwrite(wchar_t const* text, std::size_t length) noexcept;
     BryString& keep(std::size_t from, std::size_t to);  // nothing but the units from .. to - 1
     void trimLeft(wchar_t const* set);
