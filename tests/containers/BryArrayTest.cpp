@@ -176,19 +176,21 @@ TEST(BryArrayFailure, LeaksNothingAndLeavesTheArrayAsItWas) {
         {"insertAt", false, [](auto& a, auto&) { a.insertAt(1, a.last()); }},
         {"removeAt", false, [](auto& a, auto&) { a.removeAt(0); }}};
     // clang-format on
-    const long live = liveAllocations();
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        Fragiles array = arrayOf<Fragiles>(1, 2, 3, 4, 5, 6, 7, 8), other = arrayOf<Fragiles>(9, 10);
-        const Fragiles before = array;
-        const auto check = [&] {
-            EXPECT_GE(array.length(), before.length());
-            EXPECT_TRUE(!row.allOrNothing || elementsOf(array) == elementsOf(before));
-            if (!row.allOrNothing) array = before;
-        };
-        EXPECT_GT(failEachAllocation([&] { row.run(array, other); }, check), 0);
+        const long live = liveAllocations();
+        {
+            Fragiles array = arrayOf<Fragiles>(1, 2, 3, 4, 5, 6, 7, 8), other = arrayOf<Fragiles>(9, 10);
+            const Fragiles before = array;
+            const auto check = [&] {
+                EXPECT_GE(array.length(), before.length());
+                EXPECT_TRUE(!row.allOrNothing || elementsOf(array) == elementsOf(before));
+                if (!row.allOrNothing) array = before;
+            };
+            EXPECT_GT(failEachAllocation([&] { row.run(array, other); }, check), 0);
+        }
+        EXPECT_EQ(liveAllocations(), live);
     }
-    EXPECT_EQ(liveAllocations(), live);
 }
 
 TEST(BryMemoryController, MultipliesIn32BitsAndNullsWhatItReleases) {
