@@ -4,8 +4,13 @@
 #include "Utf8.h"
 
 #include <roots/files/BryFileAccess.h>
+#include <roots/platform/Win32.h>
 
+#include <filesystem>
 #include <string>
+#include <system_error>
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -34,7 +39,9 @@ public:
 
     bool write(const BryString& line) {
         constexpr std::size_t carriageReturn = 1;
-        m_size += stringToUtf8(line).size() + carriageReturn;
+        const int size =
+            WideCharToMultiByte(CP_UTF8, 0, line.getStringW(), line.length(), nullptr, 0, nullptr, nullptr);
+        m_size += static_cast<std::size_t>(size) + carriageReturn;
         return m_file.puts(line) >= 0;
     }
 
@@ -76,6 +83,37 @@ bool replaceFile(const BryString& path, const BryString& by) {
     return true;
 }
 
+// The file itself where the path leads to it over links.
+fs::path linkTarget(const fs::path& path) {
+    std::error_code error;
+    const fs::path target = fs::weakly_canonical(path, error);
+    return error ? path : target;
+}
+
+bool mayBeReplaced(const fs::path& file, BryString& reason) {
+    std::error_code error;
+    const fs::file_status status = fs::symlink_status(file, error);
+    if (!fs::exists(status)) {
+        if (file.has_filename()) return true;
+        reason = L"there is no such folder";
+    } else if (!fs::is_regular_file(status)) {
+        reason = fs::is_directory(status) ? L"a folder" : L"not a file";
+    } else if ((status.permissions() & fs::perms::owner_write) == fs::perms::none) {
+        reason = L"cannot be replaced (it is read-only)";
+    } else {
+        return true;
+    }
+    return false;
+}
+
+bool takePermissions(const fs::path& from, const fs::path& to) {
+    std::error_code error;
+    const fs::file_status old = fs::status(from, error);
+    if (!fs::exists(old)) return true;
+    fs::permissions(to, old.permissions(), error);
+    return !error;
+}
+
 }  // namespace
 
 BryString csvField(const BryString& text) {
@@ -89,9 +127,12 @@ BryString csvField(const BryString& text) {
     return BryString(L"\"") + inner + L"\"";
 }
 
-bool writeMarksFile(const BryString& path, const std::vector<MarkedPart>& parts, BryString& reason) {
+bool writeMarksFile(const BryString& output, const std::vector<MarkedPart>& parts, BryString& reason) {
+    const fs::path file = linkTarget(toPath(output));
+    if (!mayBeReplaced(file, reason)) return false;
+    const BryString path = toText(file);
     const BryString incomplete = freeName(path, L".new");
-    if (!writeTable(incomplete, parts)) {
+    if (!writeTable(incomplete, parts) || !takePermissions(file, toPath(incomplete))) {
         reason = bryFileExists(incomplete) ? L"cannot be written (is the disk full?)" : L"cannot be written here";
         BryFileAccess::removeFile(incomplete);
         return false;

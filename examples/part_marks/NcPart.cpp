@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <vector>
 
 namespace {
 
 constexpr long maxFileSize = 32 * 1024 * 1024;
 constexpr double maxNumber = 1e9;
+constexpr const wchar_t* knownCodes[] = {L"BO", L"SI", L"AK", L"IK", L"PU", L"KO",
+                                         L"SC", L"TO", L"UE", L"PR", L"KA", L"EN"};
 
 bool isBlank(wchar_t c) { return c == L' ' || c == L'\t'; }
 bool isDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
@@ -46,6 +49,13 @@ struct Line : Range {
                trimmed({begin + 2, end}).isEmpty();
     }
     bool isCode(const wchar_t* code) const { return isBlockCode() && begin[0] == code[0] && begin[1] == code[1]; }
+    // One of the codes that blocks have: in the header other words of two characters are texts.
+    bool isKnownCode() const {
+        const auto isThis = [this](const wchar_t* code) { return isCode(code); };
+        return (isBlockCode() && isDigit(begin[1])) ||
+               std::any_of(std::begin(knownCodes), std::end(knownCodes), isThis);
+    }
+    bool isMarkingCode() const { return isCode(L"SI") || (isBlockCode() && begin[0] == L'S' && isDigit(begin[1])); }
     bool isComment() const { return length() >= 2 && begin[0] == L'*' && begin[1] == L'*'; }
 };
 
@@ -148,6 +158,50 @@ bool mayHeaderEndAt(int i) {
     return i >= headerLineCount || headerLines[i].kind == Kind::optionalNumber || headerLines[i].kind == Kind::note;
 }
 
+// Whether line i of the header is a text of any words, be they like the code of a block.
+bool isFreeText(int i) {
+    if (i >= headerLineCount) return false;
+    const Kind kind = headerLines[i].kind;
+    return kind == Kind::unread || kind == Kind::name || kind == Kind::text;
+}
+
+// A line of a block of marking texts.
+class MarkingLine {
+public:
+    explicit MarkingLine(Range line) : m_line(line), m_at(line.begin) {}
+
+    // The text behind face, x with its reference, y, angle and letter height (the face may be missing; an r may
+    // follow the height); empty at the line's end where the line has not that shape.
+    Range text() {
+        skipLetter();
+        bool isShape = skipNumber();
+        skipLetter();
+        for (int i = 0; i < 3; ++i) isShape = isShape && skipNumber();
+        if (isShape && m_at != m_line.end && *m_at == L'r') ++m_at;
+        if (!isShape || m_at == m_line.end || !isBlank(*m_at)) return {m_line.end, m_line.end};
+        return trimmed({m_at, m_line.end});
+    }
+
+private:
+    void skipBlanks() {
+        while (m_at != m_line.end && isBlank(*m_at)) ++m_at;
+    }
+    void skipLetter() {
+        skipBlanks();
+        if (m_at != m_line.end && isLetter(*m_at)) ++m_at;
+    }
+    bool skipNumber() {
+        skipBlanks();
+        if (m_at != m_line.end && (*m_at == L'+' || *m_at == L'-')) ++m_at;
+        const wchar_t* const begin = m_at;
+        while (m_at != m_line.end && isNumberUnit(*m_at)) ++m_at;
+        return m_at != begin;
+    }
+
+    Range m_line;
+    const wchar_t* m_at;
+};
+
 // Reads one text; each step is false where it has named what is wrong.
 class PartReader {
 public:
@@ -174,8 +228,8 @@ private:
     bool readHeader() {
         for (int i = 0;; ++i) {
             if (!nextLine()) return cutShortInHeader(i);
-            const bool isCodeLine = i < headerLineCount && headerLines[i].text == &NcPart::code;
-            if (m_line.isBlockCode() && !isCodeLine) return endHeader(i);
+            const bool isBlock = i < headerLineCount ? m_line.isKnownCode() : m_line.isBlockCode();
+            if (isBlock && !isFreeText(i)) return endHeader(i);
             if (!checkCharacters() || !takeHeaderLine(i)) return false;
         }
     }
@@ -210,11 +264,12 @@ private:
                 break;
         }
         if (line.text) m_part.*line.text = value.text();
-        addContent(value, false);
+        addContent(value);
         return true;
     }
 
     bool takeQuantity(Range value) {
+        if (value.isEmpty()) return fail(L"the quantity is missing");
         double quantity = 0;
         if (!std::all_of(value.begin, value.end, isDigit) || !parseNumber(value, quantity))
             return fail(BryString(L"the quantity is no whole number: ") + quoted(value));
@@ -245,9 +300,10 @@ private:
         bool hasTexts = false;
         while (!m_line.isCode(L"EN")) {
             if (!checkCharacters()) return false;
-            if (m_line.isBlockCode()) hasTexts = m_line.begin[0] == L'S';
+            if (m_line.isBlockCode()) hasTexts = m_line.isMarkingCode();
             const Range line = trimmed(m_line);
-            if (!line.isEmpty()) addContent(line, hasTexts);
+            const bool isComment = line.length() >= 2 && line.begin[0] == L'*' && line.begin[1] == L'*';
+            if (!line.isEmpty() && !isComment) hasTexts ? addMarking(line) : addContent(line);
             if (!nextLine()) return cutShort();
         }
         return true;
@@ -260,7 +316,20 @@ private:
     }
 
     // One line of the content.
-    void addContent(Range range, bool everyBlankCounts) {
+    void addContent(Range line) {
+        addWords(line, false);
+        m_content.push_back(L'\n');
+    }
+
+    void addMarking(Range line) {
+        const Range text = MarkingLine(line).text();
+        addWords(trimmed({line.begin, text.begin}), false);
+        if (!text.isEmpty()) m_content.push_back(L' ');
+        addWords(text, true);
+        m_content.push_back(L'\n');
+    }
+
+    void addWords(Range range, bool everyBlankCounts) {
         for (const wchar_t* c = range.begin; c != range.end; ++c) {
             if (!isBlank(*c)) {
                 m_content.push_back(*c);
@@ -271,7 +340,6 @@ private:
                     m_content.push_back(L' ');
             }
         }
-        m_content.push_back(L'\n');
     }
 
     bool checkCharacters() {

@@ -16,7 +16,7 @@ struct NcPart {
     // All that makes the part what it is; parts are the same if these texts are equal. Comments, order, drawing, phase,
     // piece identification, quantity and the text lines are not in it. Numbers count as they are written (10.0 and
     // 10.00 differ). Blanks do not count, but for those that keep two numbers or two words apart; in marking texts
-    // (blocks SI and S0 to S9) a run of blanks counts as one.
+    // (what follows the four numbers of a line in blocks SI and S0 to S9) a run of blanks counts as one.
     BryString content;
 };
 
@@ -26,8 +26,9 @@ struct NcError {
 };
 
 // Lines end with LF, CR LF or, in a text without any LF, CR; a Ctrl-Z ends the text. The header must go on at least to
-// the weight per metre; its texts may be empty, but for profile and profile code. The blocks are not interpreted, but
-// each line must be text, and the file must end with EN.
+// the weight per metre; its texts may be empty, but for profile and profile code. Where the header has numbers
+// or its last texts, the known code of a block ends it; elsewhere such a word is a text. The blocks are not
+// interpreted, but each line must be text, and the file must end with EN.
 bool readPartText(const BryString& text, NcPart& part, NcError& error);
 
 // The text is in the ANSI code page, or in UTF-8 or UTF-16 where the file begins with the mark of one of these. A file

@@ -22,7 +22,9 @@ Files
   From a folder, all files *.nc and *.nc1, in any letter case, its subfolders
   included. Files are read in the order of their names; one that is named twice
   counts once. The texts are in the ANSI code page, or in UTF-8 or UTF-16 where
-  a file begins with the mark of one of these.
+  a file begins with the mark of one of these. On Windows name the folder: its
+  command line does not expand *.nc. A name that Windows could not have (with
+  \ * ? " < > |, a drive's colon, or a point or blank at its end) is not opened.
 
 Same parts
   Two parts are the same if all that their files say is the same, but for
@@ -48,7 +50,8 @@ Exit status
   0  all done
   1  done, but some files or folders could not be read or are no part files;
      each is named on the error stream as FILE:LINE: REASON
-  2  nothing written: wrong usage, or the list could not be written
+  2  wrong usage, no part was read, or the list could not be written (marks.csv
+     is then as it was); or this program's own text could not be written
 )";
 
 namespace {

@@ -11,11 +11,20 @@ namespace fs = std::filesystem;
 
 namespace {
 
-fs::path toPath(const BryString& text) { return fs::u8path(stringToUtf8(text)); }
-BryString toText(const fs::path& path) {
-    BryString text = utf8ToString(path.generic_u8string());
+BryString nameOf(const fs::path& path) {
+    BryString text = toText(path);
     if (text.length() > 2 && text.left(2) == L"./") text >>= 2;
     return text;
+}
+
+// Whether the library takes the name of this file for another: it reads names as Windows does.
+bool isForeignName(const fs::path& path) {
+    const BryString name = nameOf(path.relative_path());
+    for (int i = 0; i < name.length(); ++i)
+        if (name[i] < L' ' || BryString(L"\\*?\"<>|").find_last_of(name[i]) >= 0) return true;
+    const wchar_t drive = name.left(1).toLower()[0];
+    const wchar_t last = name[name.length() - 1];
+    return last == L'.' || last == L' ' || (!path.has_root_path() && drive >= L'a' && drive <= L'z' && name[1] == L':');
 }
 
 bool isPartFileName(const fs::path& path) {
@@ -50,8 +59,9 @@ private:
         if (!fs::exists(status)) return addProblem(path, L"there is no such file or folder");
         // Anything else, such as a pipe, might never end.
         if (!fs::is_regular_file(status)) return addProblem(path, L"not a file");
+        if (isForeignName(path)) return addProblem(path, L"this name cannot be opened here (its characters)");
         m_hasFound = true;
-        if (isNew(path)) m_found.push_back(toText(path));
+        if (isNew(path)) m_found.push_back(nameOf(path));
     }
 
     // Whether the file was not found before under any name. Names that differ in case only are asked about: they mean
@@ -78,7 +88,7 @@ private:
         if (error) addProblem(folder, L"the folder cannot be read");
     }
 
-    void addProblem(const fs::path& path, const wchar_t* reason) { m_problems.push_back({toText(path), 0, reason}); }
+    void addProblem(const fs::path& path, const wchar_t* reason) { m_problems.push_back({nameOf(path), 0, reason}); }
 
     bool m_withSubfolders;
     bool m_hasFound = false;                    // something, be it for the second time

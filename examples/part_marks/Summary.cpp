@@ -8,16 +8,27 @@
 namespace {
 
 constexpr std::size_t shownMarks = 20;
+constexpr int shownLength = 40;
 
-// Columns as wide as their widest cell, two blanks between them.
+BryString shortened(const BryString& cell) {
+    if (cell.length() <= shownLength) return cell;
+    const wchar_t last = cell[shownLength - 4];
+    const bool cutsPair = last >= 0xD800 && last <= 0xDBFF;
+    return cell.left(shownLength - (cutsPair ? 4 : 3)) + L"...";
+}
+
+// Columns as wide as their widest cell, which is cut where it is long, two blanks between them.
 class Table {
 public:
     // One letter for each column: l flush left, r flush right.
     explicit Table(std::string columns) : m_columns(std::move(columns)), m_widths(m_columns.size(), 0) {}
 
     void add(const std::vector<BryString>& cells) {
-        for (std::size_t i = 0; i < cells.size(); ++i) m_widths[i] = std::max(m_widths[i], width(cells[i]));
-        m_rows.push_back(cells);
+        m_rows.emplace_back();
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            m_rows.back().push_back(shortened(cells[i]));
+            m_widths[i] = std::max(m_widths[i], width(m_rows.back()[i]));
+        }
     }
 
     // A rule stands below the heading, and above the last row where that is a total.

@@ -67,9 +67,10 @@ protected:
         std::ofstream(fs::u8path(name), std::ios::binary) << bytes;
     }
 
+    int run(const std::vector<BryString>& arguments) { return run(arguments, std::tmpfile()); }
+
     // The exit status; what is written to the error stream goes to m_errors.
-    int run(const std::vector<BryString>& arguments) {
-        std::FILE* const output = std::tmpfile();
+    int run(const std::vector<BryString>& arguments, std::FILE* output) {
         std::FILE* const errors = std::tmpfile();
         const int status = runPartMarks(arguments, output, errors);
         std::rewind(errors);
@@ -98,7 +99,7 @@ TEST(NcPartReading, NamesTheLineAndTheReason) {
         {7, nullptr, 6, L"cut short: the file ends where the header should have its steel quality"},
         {17, L"BO", 17, L"the block BO begins where the header should have its weight per metre"},
         {27, nullptr, 26, noEnd}, {31, nullptr, 30, noEnd}, {31, L"en", 31, noEnd}, {6, L" b\x7", 6, bell},
-        {28, L"\x7", 28, bell}, {8, L"  ", 8, L"the quantity is no whole number: \"\""},
+        {28, L"\x7", 28, bell}, {8, L"  ", 8, L"the quantity is missing"},
         {8, L"-1", 8, L"the quantity is no whole number: \"-1\""},
         {8, L"99999999999", 8, L"the quantity is no whole number: \"99999999999\""},
         {9, L"", 9, L"the profile is missing"}, {11, L"-5.00", 11, L"the length is negative: \"-5.00\""},
@@ -123,13 +124,16 @@ TEST(NcPartContent, TellsPartsApartByAllThatIsPhysical) {
     // clang-format off
     const std::pair<std::size_t, const wchar_t*> same[] = {
         {2, L"**"}, {3, L"X"}, {3, L""}, {4, L"X"}, {5, L"X"}, {6, L"X"}, {8, L"1"}, {10, L"B "}, {23, L"X"},
-        {26, L" X"}, {17, L"\t6.280  "}, {9, L"FL 100 x8"}, {28, L"v 30.00s 50.00\t18.00 "},
-        {28, L"v 30.00 s 50.00 18.00"}, {30, L"v 20.00u 10.00 0.00 10 b   1"}, {32, L"** X"}, {32, L"\x1A"}};
+        {26, L" X"}, {3, L"BO"}, {6, L"B1"}, {23, L"OK"}, {26, L"AB"}, {17, L"\t6.280  "}, {9, L"FL 100 x8"},
+        {28, L"v 30.00s 50.00\t18.00 "}, {28, L"v 30.00 s 50.00 18.00"}, {30, L"v 20.00u 10.00 0.00 10 b   1"},
+        {30, L" v20.00 u 10.00 0.00 10\tb 1 "}, {29, L"SI\r\n  ** X"}, {32, L"** X"}, {32, L"\x1A"}};
     const std::pair<std::size_t, const wchar_t*> others[] = {
-        {7, L"S235JR"}, {9, L"FL100x9"}, {10, L"RU"}, {11, L"250.01,251.00"}, {11, L"250.00,251.01"}, {11, L"250.00"},
+        {7, L"S235JR"}, {7, L"AK"}, {23, L"KA"}, {9, L"FL100x9"}, {10, L"RU"}, {11, L"250.01,251.00"},
+        {11, L"250.00,251.01"}, {11, L"250.00"},
         {16, L"0.01"}, {17, L"6.281"}, {18, L"0.217"}, {22, L"0.001"}, {22, L"0.0000"}, {27, L"PU"}, {27, L"B1"},
         {28, L"v    30.01s    50.00    18.00"}, {28, L"v 30.00s 50.0018.00"}, {28, L"v 3 0.00s 50.00 18.00"},
-        {30, L"v  20.00u  10.00  0.00  10 b 2"}, {30, L"v  20.00u  10.00  0.00  10 b1"}};
+        {30, L"v  20.00u  10.00  0.00  10 b 2"}, {30, L"v  20.00u  10.00  0.00  10 b1"},
+        {30, L"v  20.00u  10.00  0.0010 b 1"}};
     // clang-format on
     const BryString content = contentOf(joined(goodLines));
     for (const auto& [line, with] : same)
@@ -138,6 +142,7 @@ TEST(NcPartContent, TellsPartsApartByAllThatIsPhysical) {
         EXPECT_NE(contentOf(changed(line, with)), content) << line << ' ' << stringToUtf8(with);
     for (const wchar_t* lineEnd : {L"\n", L"\r", L"\r\r\n"}) EXPECT_EQ(contentOf(joined(goodLines, lineEnd)), content);
     EXPECT_EQ(contentOf(changed(10, L"RO")), contentOf(changed(10, L"  RO"))) << "a code like a block's";
+    EXPECT_EQ(contentOf(changed(29, L"SC\r\nv 1u 2 3 4 b 1")), contentOf(changed(29, L"SC\r\nv 1u 2 3 4 b1")));
     std::vector<BryString> spaced = goodLines;
     spaced.insert(spaced.begin() + 29, L" ");
     spaced.erase(spaced.begin() + 22, spaced.begin() + 26);
@@ -163,6 +168,11 @@ TEST(MarksTable, WritesNumbersAndFieldsTheSameEverywhere) {
         {L"", L""},         {L"a b;c", L"a b;c"},   {L"a,b", L"\"a,b\""}, {L"2\" pipe", L"\"2\"\" pipe\""},
         {L" a", L"\" a\""}, {L"a\nb", L"\"a\nb\""}, {L"a ", L"\"a \""}};
     for (const auto& [text, field] : fields) EXPECT_EQ(csvField(text), field);
+    for (const char* bytes : {"\xE9", "a\xC3", "\xC3\xA9\xFF\xF0\x9F\x98\x80", "\xED\xA0\x80", "\xEF\xBF\xBD\xEF\xBF"})
+        EXPECT_EQ(stringToUtf8(utf8ToString(bytes)), bytes);
+    MarkedPart part;
+    part.mark = std::string(41, 'x').c_str();
+    EXPECT_NE(summaryText({part}, 0).find(" " + std::string(37, 'x') + "... "), std::string::npos);
 }
 
 TEST(PartMarksOptions, AreTakenOrRefusedWithAReason) {
@@ -196,14 +206,16 @@ TEST_F(PartMarksRun, DoesTheRestWhereAFileIsBad) {
     put("nc/huge.nc", "ST");
     fs::resize_file("nc/huge.nc", 40 * 1024 * 1024);
     put("nc/short.nc", goodBytes.substr(0, goodBytes.size() / 2));
+    put("nc/what?.nc", goodBytes);  // Windows has no such name
+    const std::string foreign = "nc/what?.nc: this name cannot be opened here (its characters)\n";
     EXPECT_EQ(run({L"nc", L"missing.nc"}), 1);
-    EXPECT_EQ(m_errors,
-              "missing.nc: there is no such file or folder\n"
-              "nc/empty.nc:1: the file is empty\n"
-              "nc/endless.nc:1: no part file: it does not begin with the block ST\n"
-              "nc/huge.nc: too large for a part file (above 32 MB)\n"
-              "nc/short.nc:17: cut short: the file ends without EN\n"
-              "nc/zero.nc:4: not a text: a zero byte\n");
+    EXPECT_EQ(m_errors, (fs::exists("nc/what?.nc") ? foreign : "") +
+                            "missing.nc: there is no such file or folder\n"
+                            "nc/empty.nc:1: the file is empty\n"
+                            "nc/endless.nc:1: no part file: it does not begin with the block ST\n"
+                            "nc/huge.nc: too large for a part file (above 32 MB)\n"
+                            "nc/short.nc:17: cut short: the file ends without EN\n"
+                            "nc/zero.nc:4: not a text: a zero byte\n");
     EXPECT_EQ(fileBytes("marks.csv"),
               heading + "B1,FL100x8,B,S355J2,250.00,8,12.56,nc/good.nc; nc/sub.nc/again.NC1\r\n");
 }
@@ -220,17 +232,35 @@ TEST_F(PartMarksRun, CountsAFileOnceAndKeepsItsName) {
 TEST_F(PartMarksRun, LeavesTheOldMarksWhereItFails) {
     put("marks.csv", "old");
     put("nc/sub.nc/bad.nc", "x");
-    EXPECT_EQ(run({L"nc", L"--no-subfolders"}), 1);
+    EXPECT_EQ(run({L"nc", L"--no-subfolders"}), 2);
     EXPECT_EQ(m_errors,
               "nc: a folder without part files (*.nc, *.nc1)\n"
               "part_marks: no part was read, nothing is written\n");
-    EXPECT_EQ(run({L"nc"}), 1) << "no part at all";
+    EXPECT_EQ(run({L"nc"}), 2) << "no part at all";
     EXPECT_EQ(run({L"nc", L"--bad"}), 2);
     put("nc/good.nc", goodBytes);
-    EXPECT_EQ(run({L"nc", L"-o", L"none/marks.csv"}), 2);
-    EXPECT_NE(m_errors.find("none/marks.csv: cannot be written here\n"), std::string::npos);
+    fs::create_directories("sub/marks.csv");
+    const std::pair<const wchar_t*, const char*> rows[] = {
+        {L"none/marks.csv", "none/marks.csv: cannot be written here"},
+        {L"none\\", "none/: there is no such folder"},
+        {L"sub\\", "sub/marks.csv: a folder"},
+        {L"nc/good.nc.", "--output names a part file that is read"}};
+    for (const auto& [output, reason] : rows) {
+        EXPECT_EQ(run({L"nc", L"-o", output}), 2);
+        EXPECT_NE(m_errors.find(std::string(reason) + "\n"), std::string::npos) << m_errors;
+    }
+    EXPECT_EQ(fileBytes("nc/good.nc"), goodBytes);
     EXPECT_EQ(fileBytes("marks.csv"), "old");
+    EXPECT_EQ(run({L"--help"}, std::fopen("nc/good.nc", "rb")), 2) << "a stream that takes nothing";
+    fs::remove_all("sub");
+    fs::permissions("marks.csv", fs::perms::owner_all);
+    const fs::perms permissions = fs::status("marks.csv").permissions();
     EXPECT_EQ(run({L"nc/good.nc", L"-o", L"."}), 0) << "an output folder";
+    EXPECT_EQ(fs::status("marks.csv").permissions(), permissions);
+    std::error_code noLinks;
+    fs::create_symlink("../marks.csv", "nc/link.csv", noLinks);
+    EXPECT_EQ(run({L"nc/good.nc", L"-o", L"nc/link.csv"}), 0);
+    EXPECT_TRUE(noLinks || fs::is_symlink("nc/link.csv"));
     EXPECT_EQ(fileBytes("marks.csv").substr(0, heading.size()), heading);
     EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2) << "nothing but the marks and the folder";
 }
