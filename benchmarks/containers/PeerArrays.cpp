@@ -28,9 +28,8 @@ std::size_t appendByHand(std::size_t size) {
 }
 
 const int registered = [] {
-    measure("array append", "plain loop", {100000}, [](std::size_t size) {
-        return [size] { return appendByHand(size); };
-    });
+    measure("array append", "plain loop", {100000},
+            [](std::size_t size) { return [size] { return appendByHand(size); }; });
     for (const char* work : {"array append, room preset", "array setAt, length preset"})
         measure(work, "vector", {100000}, [](std::size_t size) {
             return [size] {

@@ -27,9 +27,8 @@ struct Creator {
 };
 
 const int registered = [] {
-    measure("getNextNumber", "Qt", {0}, [](std::size_t) {
-        return [creator = Creator()]() mutable { return creator.getNextNumber(); };
-    });
+    measure("getNextNumber", "Qt", {0},
+            [](std::size_t) { return [creator = Creator()]() mutable { return creator.getNextNumber(); }; });
     return 0;
 }();
 

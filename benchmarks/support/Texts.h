@@ -9,7 +9,9 @@
 // A row of numbers that looks random and is the same in every run.
 class Numbers {
 public:
-    std::uint32_t next() { return static_cast<std::uint32_t>((m_state = m_state * 6364136223846793005u + 1442695u) >> 32); }
+    std::uint32_t next() {
+        return static_cast<std::uint32_t>((m_state = m_state * 6364136223846793005u + 1442695u) >> 32);
+    }
 
 private:
     std::uint64_t m_state = 20240607;
@@ -32,9 +34,7 @@ inline std::string narrow(const std::u16string& text) {
 
 // The text wanted stands at the end only; its first unit and the one that is most common occur everywhere.
 inline const std::u16string kWanted = u"Frame 17";
-inline std::u16string endingInWanted(std::size_t size) {
-    return letters(size - kWanted.size()) + kWanted;
-}
+inline std::u16string endingInWanted(std::size_t size) { return letters(size - kWanted.size()) + kWanted; }
 
 // A text of one unit, and a needle that misses it by one odd unit at the given position.
 constexpr std::size_t kOddHaystack = 16384;

@@ -19,9 +19,8 @@ void conversion() {
     measure("integer to text", kLibrary, {0}, [](std::size_t) {
         return [numbers = integers()]() mutable { return fmt::format(u"{}", numbers.next()); };
     });
-    measure("integer to 8-bit text of the peers", kLibrary, {0}, [](std::size_t) {
-        return [numbers = integers()]() mutable { return fmt::to_string(numbers.next()); };
-    });
+    measure("integer to 8-bit text of the peers", kLibrary, {0},
+            [](std::size_t) { return [numbers = integers()]() mutable { return fmt::to_string(numbers.next()); }; });
     measure("double to text, digits", kLibrary, {6, 15}, [](std::size_t digits) {
         return [numbers = lengths(), n = static_cast<int>(digits)]() mutable {
             return fmt::format("{:.{}g}", numbers.next(), n);

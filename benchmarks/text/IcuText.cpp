@@ -16,12 +16,10 @@ UnicodeString string(const std::u16string& text) {
 }
 
 void lifeAndComparison() {
-    measure("construct from wide text", kLibrary, {8, 40, 1000, 65536}, [](std::size_t size) {
-        return [text = letters(size)] { return UnicodeString(text.c_str()); };
-    });
-    measure("copy", kLibrary, {40, 1000}, [](std::size_t size) {
-        return [text = string(letters(size))] { return text; };
-    });
+    measure("construct from wide text", kLibrary, {8, 40, 1000, 65536},
+            [](std::size_t size) { return [text = letters(size)] { return UnicodeString(text.c_str()); }; });
+    measure("copy", kLibrary, {40, 1000},
+            [](std::size_t size) { return [text = string(letters(size))] { return text; }; });
     measure("assign a shared body, twice", kLibrary, {40, 1000}, [](std::size_t size) {
         return [a = string(letters(size)), b = string(letters(size - 1)), target = UnicodeString()]() mutable {
             target = a;
@@ -30,9 +28,8 @@ void lifeAndComparison() {
             return &target;
         };
     });
-    measure("equal texts", kLibrary, {8, 1000, 65536}, [](std::size_t size) {
-        return [a = string(letters(size)), b = string(letters(size))] { return a == b; };
-    });
+    measure("equal texts", kLibrary, {8, 1000, 65536},
+            [](std::size_t size) { return [a = string(letters(size)), b = string(letters(size))] { return a == b; }; });
     measure("compare, different at once", kLibrary, {8, 1000, 65536}, [](std::size_t size) {
         return [a = string(letters(size)), b = string(u"?" + letters(size - 1))] { return a == b; };
     });
@@ -83,12 +80,12 @@ void editing() {
     });
     const auto replaceTexts = [](const char* work, std::size_t size, std::initializer_list<std::size_t> counts) {
         measure(work, kLibrary, counts, [size](std::size_t count) {
-            return [text = string(withOccurrences(count, size)), what = string(kReplaced),
-                    with = string(kReplacement)] {
-                UnicodeString edited(text);
-                edited.findAndReplace(what, with);
-                return edited;
-            };
+            return
+                [text = string(withOccurrences(count, size)), what = string(kReplaced), with = string(kReplacement)] {
+                    UnicodeString edited(text);
+                    edited.findAndReplace(what, with);
+                    return edited;
+                };
         });
     };
     replaceTexts("replace texts in 1,000 units, occurrences", 1000, {1});

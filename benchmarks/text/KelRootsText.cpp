@@ -14,12 +14,10 @@ BryString string(const std::u16string& text) { return BryString(wideText(text));
 
 void lifeAndComparison() {
     measure("nothing", kLibrary, {0}, [](std::size_t) { return [] { return 0; }; });
-    measure("construct from wide text", kLibrary, {8, 40, 1000, 65536}, [](std::size_t size) {
-        return [text = letters(size)] { return BryString(wideText(text)); };
-    });
-    measure("copy", kLibrary, {40, 1000}, [](std::size_t size) {
-        return [text = string(letters(size))] { return BryString(text); };
-    });
+    measure("construct from wide text", kLibrary, {8, 40, 1000, 65536},
+            [](std::size_t size) { return [text = letters(size)] { return BryString(wideText(text)); }; });
+    measure("copy", kLibrary, {40, 1000},
+            [](std::size_t size) { return [text = string(letters(size))] { return BryString(text); }; });
     measure("assign a shared body, twice", kLibrary, {40, 1000}, [](std::size_t size) {
         return [a = string(letters(size)), b = string(letters(size - 1)), target = BryString()]() mutable {
             target = a;
@@ -28,12 +26,10 @@ void lifeAndComparison() {
             return &target;
         };
     });
-    measure("length", kLibrary, {8, 1000, 65536, 1000000}, [](std::size_t size) {
-        return [text = string(letters(size))] { return text.length(); };
-    });
-    measure("equal texts", kLibrary, {8, 1000, 65536}, [](std::size_t size) {
-        return [a = string(letters(size)), b = string(letters(size))] { return a == b; };
-    });
+    measure("length", kLibrary, {8, 1000, 65536, 1000000},
+            [](std::size_t size) { return [text = string(letters(size))] { return text.length(); }; });
+    measure("equal texts", kLibrary, {8, 1000, 65536},
+            [](std::size_t size) { return [a = string(letters(size)), b = string(letters(size))] { return a == b; }; });
     measure("compare, different at once", kLibrary, {8, 1000, 65536}, [](std::size_t size) {
         return [a = string(letters(size)), b = string(u"?" + letters(size - 1))] { return a == b; };
     });
@@ -47,9 +43,9 @@ void search() {
     measure("find, hit at the end", kLibrary, {1000, 65536, 1000000}, [](std::size_t size) {
         return [text = string(endingInWanted(size)), wanted = string(kWanted)] { return text.find(wanted); };
     });
-    for (const auto& [work, odd] : {std::pair("find, odd unit first", Odd::kFirst),
-                                    std::pair("find, odd unit in the middle", Odd::kMiddle),
-                                    std::pair("find, odd unit last", Odd::kLast)})
+    for (const auto& [work, odd] :
+         {std::pair("find, odd unit first", Odd::kFirst), std::pair("find, odd unit in the middle", Odd::kMiddle),
+          std::pair("find, odd unit last", Odd::kLast)})
         measure(work, kLibrary, {8192}, [odd = odd](std::size_t size) {
             return [text = string(oddHaystack()), needle = string(oddNeedle(size, odd))] { return text.find(needle); };
         });
@@ -84,12 +80,12 @@ void editing() {
     });
     const auto replaceTexts = [](const char* work, std::size_t size, std::initializer_list<std::size_t> counts) {
         measure(work, kLibrary, counts, [size](std::size_t count) {
-            return [text = string(withOccurrences(count, size)), what = string(kReplaced),
-                    with = string(kReplacement)] {
-                BryString edited(text);
-                edited.replace(what, with);
-                return edited;
-            };
+            return
+                [text = string(withOccurrences(count, size)), what = string(kReplaced), with = string(kReplacement)] {
+                    BryString edited(text);
+                    edited.replace(what, with);
+                    return edited;
+                };
         });
     };
     replaceTexts("replace texts in 1,000 units, occurrences", 1000, {1});
@@ -122,9 +118,8 @@ void editing() {
             return edited;
         };
     });
-    measure("strRev", kLibrary, {1000}, [](std::size_t size) {
-        return [text = string(letters(size))] { return text.strRev(); };
-    });
+    measure("strRev", kLibrary, {1000},
+            [](std::size_t size) { return [text = string(letters(size))] { return text.strRev(); }; });
 }
 
 void conversion() {
@@ -155,13 +150,11 @@ void conversion() {
     };
     toAnsi("getStringA, first", letters);
     toAnsi("getStringA, first, accented", accented);
-    measure("getStringA, cached", kLibrary, {16, 65536}, [](std::size_t size) {
-        return [text = string(letters(size))] { return text.getStringA(); };
-    });
+    measure("getStringA, cached", kLibrary, {16, 65536},
+            [](std::size_t size) { return [text = string(letters(size))] { return text.getStringA(); }; });
     const auto fromAnsi = [](const char* work, std::u16string (*make)(std::size_t)) {
-        measure(work, kLibrary, {10, 1000, 100000}, [make](std::size_t size) {
-            return [text = narrow(make(size))] { return BryString(text.c_str()); };
-        });
+        measure(work, kLibrary, {10, 1000, 100000},
+                [make](std::size_t size) { return [text = narrow(make(size))] { return BryString(text.c_str()); }; });
     };
     fromAnsi("from 8-bit text", letters);
     fromAnsi("from 8-bit text, accented", accented);

@@ -19,9 +19,8 @@ void lifeAndComparison() {
     measure("construct from wide text", kLibrary, {8, 40, 1000, 65536}, [](std::size_t size) {
         return [text = letters(size)] { return QString(reinterpret_cast<const QChar*>(text.c_str())); };
     });
-    measure("copy", kLibrary, {40, 1000}, [](std::size_t size) {
-        return [text = string(letters(size))] { return text; };
-    });
+    measure("copy", kLibrary, {40, 1000},
+            [](std::size_t size) { return [text = string(letters(size))] { return text; }; });
     measure("assign a shared body, twice", kLibrary, {40, 1000}, [](std::size_t size) {
         return [a = string(letters(size)), b = string(letters(size - 1)), target = QString()]() mutable {
             target = a;
@@ -30,12 +29,10 @@ void lifeAndComparison() {
             return &target;
         };
     });
-    measure("length", kLibrary, {8, 1000, 65536, 1000000}, [](std::size_t size) {
-        return [text = letters(size)] { return QStringView(text.c_str()).size(); };
-    });
-    measure("equal texts", kLibrary, {8, 1000, 65536}, [](std::size_t size) {
-        return [a = string(letters(size)), b = string(letters(size))] { return a == b; };
-    });
+    measure("length", kLibrary, {8, 1000, 65536, 1000000},
+            [](std::size_t size) { return [text = letters(size)] { return QStringView(text.c_str()).size(); }; });
+    measure("equal texts", kLibrary, {8, 1000, 65536},
+            [](std::size_t size) { return [a = string(letters(size)), b = string(letters(size))] { return a == b; }; });
     measure("compare, different at once", kLibrary, {8, 1000, 65536}, [](std::size_t size) {
         return [a = string(letters(size)), b = string(u"?" + letters(size - 1))] { return a == b; };
     });
@@ -79,12 +76,12 @@ void editing() {
     });
     const auto replaceTexts = [](const char* work, std::size_t size, std::initializer_list<std::size_t> counts) {
         measure(work, kLibrary, counts, [size](std::size_t count) {
-            return [text = string(withOccurrences(count, size)), what = string(kReplaced),
-                    with = string(kReplacement)] {
-                QString edited(text);
-                edited.replace(what, with);
-                return edited;
-            };
+            return
+                [text = string(withOccurrences(count, size)), what = string(kReplaced), with = string(kReplacement)] {
+                    QString edited(text);
+                    edited.replace(what, with);
+                    return edited;
+                };
         });
     };
     replaceTexts("replace texts in 1,000 units, occurrences", 1000, {1});
@@ -98,15 +95,13 @@ void editing() {
         };
     });
     const auto trim = [](const char* work, std::u16string (*make)(std::size_t)) {
-        measure(work, kLibrary, {20, 1000, 65536}, [make](std::size_t size) {
-            return [text = string(make(size))] { return text.trimmed(); };
-        });
+        measure(work, kLibrary, {20, 1000, 65536},
+                [make](std::size_t size) { return [text = string(make(size))] { return text.trimmed(); }; });
     };
     trim("trim 3 blanks at both ends", paddedALittle);
     trim("trim a quarter at both ends", paddedByHalf);
-    measure("toUpper", kLibrary, {1000}, [](std::size_t size) {
-        return [text = string(letters(size))] { return text.toUpper(); };
-    });
+    measure("toUpper", kLibrary, {1000},
+            [](std::size_t size) { return [text = string(letters(size))] { return text.toUpper(); }; });
     measure("strRev", kLibrary, {1000}, [](std::size_t size) {
         return [text = string(letters(size))] {
             QString edited(text);
@@ -119,13 +114,11 @@ void editing() {
 void conversion() {
     measure("format %s-%d-%08x", kLibrary, {0}, [](std::size_t) {
         return [name = std::string("HEA200"), numbers = integers()]() mutable {
-            return QString::asprintf("%s-%d-%08x", name.c_str(), numbers.next(),
-                                     static_cast<unsigned>(numbers.next()));
+            return QString::asprintf("%s-%d-%08x", name.c_str(), numbers.next(), static_cast<unsigned>(numbers.next()));
         };
     });
-    measure("integer to text", kLibrary, {0}, [](std::size_t) {
-        return [numbers = integers()]() mutable { return QString::number(numbers.next()); };
-    });
+    measure("integer to text", kLibrary, {0},
+            [](std::size_t) { return [numbers = integers()]() mutable { return QString::number(numbers.next()); }; });
     measure("integer to 8-bit text of the peers", kLibrary, {0}, [](std::size_t) {
         return [numbers = integers()]() mutable { return QByteArray::number(numbers.next()); };
     });
@@ -135,9 +128,8 @@ void conversion() {
         };
     });
     const auto toLatin1 = [](const char* work, std::u16string (*make)(std::size_t)) {
-        measure(work, kLibrary, {16, 1000, 65536}, [make](std::size_t size) {
-            return [text = string(make(size))] { return text.toLatin1(); };
-        });
+        measure(work, kLibrary, {16, 1000, 65536},
+                [make](std::size_t size) { return [text = string(make(size))] { return text.toLatin1(); }; });
     };
     toLatin1("getStringA, first", letters);
     toLatin1("getStringA, first, accented", accented);

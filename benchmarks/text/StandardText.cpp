@@ -14,12 +14,9 @@ namespace {
 constexpr char kLibrary[] = "std";
 
 void lifeAndComparison() {
-    measure("construct from wide text", kLibrary, {8, 40, 1000, 65536}, [](std::size_t size) {
-        return [text = letters(size)] { return std::u16string(text.c_str()); };
-    });
-    measure("copy", kLibrary, {40, 1000}, [](std::size_t size) {
-        return [text = letters(size)] { return text; };
-    });
+    measure("construct from wide text", kLibrary, {8, 40, 1000, 65536},
+            [](std::size_t size) { return [text = letters(size)] { return std::u16string(text.c_str()); }; });
+    measure("copy", kLibrary, {40, 1000}, [](std::size_t size) { return [text = letters(size)] { return text; }; });
     measure("assign a shared body, twice", kLibrary, {40, 1000}, [](std::size_t size) {
         return [a = letters(size), b = letters(size - 1), target = std::u16string()]() mutable {
             target = a;
@@ -28,41 +25,35 @@ void lifeAndComparison() {
             return &target;
         };
     });
-    measure("equal texts", kLibrary, {8, 1000, 65536}, [](std::size_t size) {
-        return [a = letters(size), b = letters(size)] { return a == b; };
-    });
-    measure("compare, different at once", kLibrary, {8, 1000, 65536}, [](std::size_t size) {
-        return [a = letters(size), b = u"?" + letters(size - 1)] { return a == b; };
-    });
+    measure("equal texts", kLibrary, {8, 1000, 65536},
+            [](std::size_t size) { return [a = letters(size), b = letters(size)] { return a == b; }; });
+    measure("compare, different at once", kLibrary, {8, 1000, 65536},
+            [](std::size_t size) { return [a = letters(size), b = u"?" + letters(size - 1)] { return a == b; }; });
 }
 
 void search() {
     measure("find, hit at the end", kLibrary, {1000, 65536, 1000000}, [](std::size_t size) {
         return [text = endingInWanted(size), wanted = kWanted] { return text.find(wanted); };
     });
-    for (const auto& [work, odd] : {std::pair("find, odd unit first", Odd::kFirst),
-                                    std::pair("find, odd unit in the middle", Odd::kMiddle),
-                                    std::pair("find, odd unit last", Odd::kLast)})
+    for (const auto& [work, odd] :
+         {std::pair("find, odd unit first", Odd::kFirst), std::pair("find, odd unit in the middle", Odd::kMiddle),
+          std::pair("find, odd unit last", Odd::kLast)})
         measure(work, "memmem", {8192}, [odd = odd](std::size_t size) {
             return [text = oddHaystack(), needle = oddNeedle(size, odd)] {
                 return memmem(text.data(), 2 * text.size(), needle.data(), 2 * needle.size());
             };
         });
-    measure("find_last_of, hit at the start", kLibrary, {16, 1000, 65536, 1000000}, [](std::size_t size) {
-        return [text = u"?" + letters(size - 1)] { return text.rfind(u'?'); };
-    });
+    measure("find_last_of, hit at the start", kLibrary, {16, 1000, 65536, 1000000},
+            [](std::size_t size) { return [text = u"?" + letters(size - 1)] { return text.rfind(u'?'); }; });
 }
 
 void composition() {
-    measure("operator+", kLibrary, {16, 1000, 65536}, [](std::size_t size) {
-        return [a = letters(size / 2), b = letters(size / 2)] { return a + b; };
-    });
-    measure("left half", kLibrary, {16, 1000, 65536}, [](std::size_t size) {
-        return [text = letters(size), n = size / 2] { return text.substr(0, n); };
-    });
-    measure("middle half", kLibrary, {16, 1000, 65536}, [](std::size_t size) {
-        return [text = letters(size), n = size / 2] { return text.substr(n / 2, n); };
-    });
+    measure("operator+", kLibrary, {16, 1000, 65536},
+            [](std::size_t size) { return [a = letters(size / 2), b = letters(size / 2)] { return a + b; }; });
+    measure("left half", kLibrary, {16, 1000, 65536},
+            [](std::size_t size) { return [text = letters(size), n = size / 2] { return text.substr(0, n); }; });
+    measure("middle half", kLibrary, {16, 1000, 65536},
+            [](std::size_t size) { return [text = letters(size), n = size / 2] { return text.substr(n / 2, n); }; });
     measure("right half", kLibrary, {16, 1000, 65536}, [](std::size_t size) {
         return [text = letters(size), n = size / 2] { return text.substr(text.size() - n); };
     });
@@ -147,8 +138,7 @@ void conversion() {
         return [numbers = lengths(), n = static_cast<int>(digits)]() mutable {
             char text[40];
             return std::u16string(
-                text,
-                std::to_chars(text, text + sizeof text, numbers.next(), std::chars_format::general, n).ptr);
+                text, std::to_chars(text, text + sizeof text, numbers.next(), std::chars_format::general, n).ptr);
         };
     });
 }

@@ -45,6 +45,19 @@ errno_t __cdecl _wdupenv_s(wchar_t** copy, std::size_t* count, const wchar_t* na
 decltype(&_dupenv_s) __MINGW_IMP_SYMBOL(_dupenv_s) = &_dupenv_s;
 decltype(&_wdupenv_s) __MINGW_IMP_SYMBOL(_wdupenv_s) = &_wdupenv_s;
 
+#    ifdef __i386__
+
+// long is as wide as int.
+errno_t __cdecl _ltoa_s(long value, char* to, std::size_t size, int radix) { return _itoa_s(value, to, size, radix); }
+errno_t __cdecl _ltow_s(long value, wchar_t* to, std::size_t size, int radix) {
+    return _itow_s(value, to, size, radix);
+}
+
+errno_t(__cdecl* __MINGW_IMP_SYMBOL(_ltoa_s))(long, char*, std::size_t, int) = &_ltoa_s;
+errno_t(__cdecl* __MINGW_IMP_SYMBOL(_ltow_s))(long, wchar_t*, std::size_t, int) = &_ltow_s;
+
+#    endif
+
 }  // extern "C"
 
 #endif
