@@ -149,7 +149,6 @@ errno_t _strset_s(char* text, std::size_t size, int fill);
 errno_t _wcsset_s(wchar_t* text, std::size_t size, wchar_t fill);
 char* strtok_s(char* text, const char* delimiters, char** context);
 wchar_t* wcstok_s(wchar_t* text, const wchar_t* delimiters, wchar_t** context);
-wchar_t* _wcsrev(wchar_t* text);
 int _wcsicmp(const wchar_t* a, const wchar_t* b);
 int _wcsnicmp(const wchar_t* a, const wchar_t* b, std::size_t count);
 
@@ -214,7 +213,6 @@ int _wremove(const wchar_t* path);
 int _wrename(const wchar_t* oldName, const wchar_t* newName);
 int _wchdir(const wchar_t* path);
 int _wmkdir(const wchar_t* path);
-int _wrmdir(const wchar_t* path);
 
 // How setmode has a stream translated: 8-bit text, none at all, UTF-16 or UTF-8 text.
 enum { _O_TEXT = 0x4000, _O_BINARY = 0x8000, _O_WTEXT = 0x10000, _O_U8TEXT = 0x40000 };

@@ -158,27 +158,10 @@ private:
     std::size_t m_count;
 };
 
-}  // namespace
-
-int BryString::replace(const BryString& what, const BryString& with) {
-    if (what.isEmpty() || isEmpty()) return 0;
-    wchar_t const* const text = getStringW();
-    wchar_t const* const insert = with.getStringW();
-    const std::size_t units = wide::length(text), gone = wide::length(what.getStringW());
-    const Occurrences found(text, units, what.getStringW(), gone);
-    const std::size_t count = found.count();
-    if (count == 0) return 0;
-
-    const std::size_t put = wide::length(insert);
-    const std::uint64_t longLength = units - count * gone + std::uint64_t(count) * put;
-    if (longLength > INT_MAX) throw std::bad_alloc();
-    const auto newLength = static_cast<std::size_t>(longLength);
-    if (newLength == 0) {
-        empty();
-        return static_cast<int>(count);
-    }
-    BryStringRepr* const rep = BryStringRepr::make(newLength);
-    wchar_t* to = rep->m_buffer;
+// Writes a text of newLength units to out: text with the units at each occurrence, gone of them, replaced by insert.
+void copyReplaced(wchar_t* out, std::size_t newLength, wchar_t const* text, std::size_t units, const Occurrences& found,
+                  std::size_t gone, wchar_t const* insert, std::size_t put) {
+    wchar_t* to = out;
     std::size_t done = 0;  // units of the old text that are dealt with
     const auto add = [&to](wchar_t const* from, std::size_t n) {
         wide::copy(to, from, n);
@@ -187,10 +170,10 @@ int BryString::replace(const BryString& what, const BryString& with) {
     // Short pieces are copied in one step of a fixed size as long as both texts have the room: the next piece
     // overwrites what was too much.
     constexpr std::size_t kStep = 16;
-    wchar_t padded[kStep];
-    wchar_t const* const end = rep->m_buffer + newLength;
+    wchar_t padded[kStep] = {};
+    wchar_t const* const end = out + newLength;
     wide::copy(padded, insert, std::min(put, kStep));
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < found.count(); ++i) {
         const std::size_t at = found.positions()[i], gap = at - done;
         if (gap <= kStep && put <= kStep && end - to >= static_cast<std::ptrdiff_t>(3 * kStep) &&
             units - done >= kStep) {
@@ -204,7 +187,29 @@ int BryString::replace(const BryString& what, const BryString& with) {
         done = at + gone;
     }
     add(text + done, units - done);
-    take(rep);
+}
+
+}  // namespace
+
+int BryString::replace(const BryString& what, const BryString& with) {
+    if (what.isEmpty() || isEmpty()) return 0;
+    wchar_t const* const text = getStringW();
+    const std::size_t units = wide::length(text), gone = wide::length(what.getStringW());
+    const Occurrences found(text, units, what.getStringW(), gone);
+    const std::size_t count = found.count();
+    if (count == 0) return 0;
+
+    const std::size_t put = wide::length(with.getStringW());
+    const std::uint64_t newLength = units - count * gone + std::uint64_t(count) * put;
+    if (newLength > INT_MAX) throw std::bad_alloc();
+    if (newLength == 0) {
+        empty();
+    } else {
+        BryStringRepr* const rep = BryStringRepr::make(static_cast<std::size_t>(newLength));
+        copyReplaced(rep->m_buffer, static_cast<std::size_t>(newLength), text, units, found, gone, with.getStringW(),
+                     put);
+        take(rep);
+    }
     return static_cast<int>(count);
 }
 
@@ -229,7 +234,7 @@ namespace {
 // The units of a text as a set. A small one is looked through, a large one has a bit for each of the 65,536 units.
 class UnitSet {
 public:
-    explicit UnitSet(wchar_t const* units) : m_units(units), m_count(wide::length(units)) {
+    UnitSet(wchar_t const* units, std::size_t count) : m_units(units), m_count(count) {
         if (m_count <= kSmall) return;
         m_bits.reset(new std::uint64_t[0x10000 / 64]());
         for (; *units != 0; ++units) m_bits[*units / 64] |= std::uint64_t(1) << *units % 64;
@@ -252,7 +257,7 @@ std::size_t keptFrom(wchar_t const* text, std::size_t length, wchar_t const* set
     const std::size_t members = wide::length(set);
     if (members == 0) return 0;
     if (members <= wide::kSmallSet) return wide::spanAtStart(text, length, set, members);
-    const UnitSet trimmed(set);
+    const UnitSet trimmed(set, members);
     std::size_t from = 0;
     while (text[from] != 0 && trimmed.contains(text[from])) ++from;
     return from;
@@ -262,7 +267,7 @@ std::size_t keptTo(wchar_t const* text, std::size_t length, wchar_t const* set) 
     const std::size_t members = wide::length(set);
     if (members == 0) return length;
     if (members <= wide::kSmallSet) return length - wide::spanAtEnd(text, length, set, members);
-    const UnitSet trimmed(set);
+    const UnitSet trimmed(set, members);
     while (length > 0 && trimmed.contains(text[length - 1])) --length;
     return length;
 }

@@ -141,13 +141,6 @@ TYPED_TEST(BoundedText, GivesTokensAndLeavesTheContextAtTheEnd) {
     EXPECT_EQ(narrow(nextToken(text, text + 3, &context)), "a,b") << "without delimiters";
 }
 
-TEST(WideText, IsReversedUnitByUnit) {
-    wchar_t text[] = L"abcd\xD83D\xDE00", nothing[] = L"";
-    EXPECT_EQ(_wcsrev(text), text);
-    EXPECT_TRUE(std::equal(text, text + 7, L"\xDE00\xD83D\x64\x63\x62\x61"));
-    EXPECT_EQ(*_wcsrev(nothing), 0);
-}
-
 // Chooses the locale that a host would, and goes back to the one that every program starts in.
 struct HostLocale {
     HostLocale() { EXPECT_NE(std::setlocale(LC_ALL, onWindows ? "" : "C.UTF-8"), nullptr); }

@@ -157,11 +157,6 @@ wchar_t* wcstok_s(wchar_t* text, const wchar_t* delimiters, wchar_t** context) {
     return nextToken(text, delimiters, context);
 }
 
-wchar_t* _wcsrev(wchar_t* text) {
-    if (text != nullptr) std::reverse(text, text + wide::length(text));
-    return text;
-}
-
 int _wcsicmp(const wchar_t* a, const wchar_t* b) { return _wcsnicmp(a, b, SIZE_MAX); }
 
 // The difference of the first two units that differ in lower case; INT_MAX for a null text.

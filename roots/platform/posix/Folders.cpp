@@ -130,9 +130,3 @@ int _wmkdir(const wchar_t* path) {
     if (errno == ENOENT && platform::provideDrive(path) && mkdir(folder.c_str(), 0777) == 0) return 0;
     return failAsHost();
 }
-
-int _wrmdir(const wchar_t* path) {
-    if (checkPath(path) != 0) return failWith(kBadArgument);
-    if (rmdir(hostPath(path).c_str()) == 0) return 0;
-    return failWith(errno == ENOTDIR ? kBadArgument : windowsError(errno));
-}
