@@ -241,6 +241,38 @@ std::size_t count(const wchar_t* text, std::size_t length, wchar_t unit) noexcep
     return counted;
 }
 
+UnitSet::UnitSet(const wchar_t* units, std::size_t count) noexcept : m_count(count) {
+    if (count <= kSmallSet) {
+        copy(m_few, units, count);
+        return;
+    }
+    std::memset(m_bits, 0, sizeof m_bits);
+    for (std::size_t i = 0; i < count; ++i) m_bits[units[i] / 64] |= std::uint64_t(1) << units[i] % 64;
+}
+
+bool UnitSet::contains(wchar_t unit) const noexcept {
+    return m_count <= kSmallSet ? isIn(unit, m_few, m_count) : (m_bits[unit / 64] >> unit % 64 & 1) != 0;
+}
+
+std::size_t UnitSet::findEach(const wchar_t* text, std::size_t length, std::size_t start, std::uint32_t* positions,
+                              std::size_t max) const noexcept {
+    std::size_t i = start, stored = 0;
+    if (m_count == 0) return 0;
+    if (m_count <= kSmallSet) {
+        const SmallSet members(m_few, m_count);
+        for (; i + kUnits <= length; i += kUnits) {
+            std::uint32_t mask = ~members.others(text + i) & Units::kAllBytes;
+            for (; mask != 0; mask &= mask - 1, mask &= mask - 1) {  // each unit has two bits
+                if (stored == max) return stored;
+                positions[stored++] = static_cast<std::uint32_t>(i + vector::lowestUnit(mask));
+            }
+        }
+    }
+    for (; i < length && stored < max; ++i)
+        if (contains(text[i])) positions[stored++] = static_cast<std::uint32_t>(i);
+    return stored;
+}
+
 // ---- finding a text ------------------------------------------------------------------------------
 //
 // Vectors compare two anchor units of the text wanted at many positions at once; the candidates are then compared

@@ -8,6 +8,7 @@
 #include <roots/Export.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 namespace wide {
@@ -53,6 +54,24 @@ std::size_t find(const wchar_t* text, std::size_t length, const wchar_t* what, s
 // behind it and do not overlap each other. Returns how many were stored.
 std::size_t findEach(const wchar_t* text, std::size_t length, std::size_t start, const wchar_t* what,
                      std::size_t whatLength, std::size_t* positions, std::size_t max) noexcept;
+
+// A set of units. Up to kSmallSet of them are compared with, more are looked up.
+class UnitSet {
+public:
+    UnitSet(const wchar_t* units, std::size_t count) noexcept;
+
+    bool contains(wchar_t unit) const noexcept;
+
+    // The positions, in order, of the first at most max units of text[0 .. length) that stand at start or behind it
+    // and are in the set. Returns how many were stored. length is below 2^32.
+    std::size_t findEach(const wchar_t* text, std::size_t length, std::size_t start, std::uint32_t* positions,
+                         std::size_t max) const noexcept;
+
+private:
+    std::size_t m_count;
+    wchar_t m_few[kSmallSet];
+    std::uint64_t m_bits[1024];  // a bit for each unit; left alone in a small set
+};
 
 // The ranges of source and destination of what follows do not overlap.
 

@@ -13,6 +13,7 @@
 // that share it. Its text is overwritten with zeros before it is released.
 class KELROOTS_API BryStringRepr final {
     friend class BryString;
+    friend class BryIncrementalCounter;
     friend class BryNumberCreator;
 
     // A body whose text, length units of it, is for the caller to fill; the terminator stands. Body and text are one
@@ -43,7 +44,9 @@ class KELROOTS_API BryStringRepr final {
 // - No operation reports an error. When memory is out, std::bad_alloc passes through and the string keeps its text.
 // - Strings are for one thread: bodies, counts and the two scratch buffers of the class are shared without locks.
 class KELROOTS_API BryString {
-    friend class BryNumberCreator;  // whose running value is its own and changes with every number
+    // Their values are their own and change with every step.
+    friend class BryIncrementalCounter;
+    friend class BryNumberCreator;
 
 public:
     // ---- construction, assignment ----------------------------------------------------------------------------------
@@ -205,6 +208,19 @@ public:
     void TrimRight(const BryString& set);
     void TrimLeft();
     void TrimRight();
+
+    // ---- splitting -------------------------------------------------------------------------------------------------
+
+    // The stretches of text between separators, in order; each character of separators separates on its own, and no
+    // token is empty. They replace the elements of tokens, whose storage grows at most once, to the physical length
+    // that append() would have come to. text stays as it is; it and the sets may be elements of tokens.
+    static void getTokens(BryString& text, BryArray<BryString>& tokens, const BryString& separators);
+
+    // The same, but each character of quotes opens a stretch in which separators and other quotes are ordinary
+    // characters. The same character closes it, unless it stands there twice, which does not; a stretch that is not
+    // closed reaches to the end. Quotes stay in the token: 'it''s' x becomes 'it''s' and x. A character that is in both
+    // sets is a quote.
+    static void getTokens(BryString& text, BryArray<BryString>& tokens, const BryString& separators, BryString quotes);
 
     // ---- case, order -----------------------------------------------------------------------------------------------
 
