@@ -2,9 +2,12 @@
 #pragma once
 
 #include <roots/containers/BryArray.h>
+#include <roots/containers/BryBalancedTree.h>
 #include <roots/containers/BryMemoryController.h>
+#include <roots/containers/BryStringClassArray.h>
 #include <roots/files/BryFileAccess.h>
 #include <roots/files/BryGlobalStorage.h>
+#include <roots/numbering/BryIncrementalCounter.h>
 #include <roots/numbering/BryNumberCreator.h>
 #include <roots/text/BryRuntime.h>
 #include <roots/text/BryString.h>
