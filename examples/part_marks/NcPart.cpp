@@ -330,16 +330,18 @@ private:
     }
 
     void addWords(Range range, bool everyBlankCounts) {
-        for (const wchar_t* c = range.begin; c != range.end; ++c) {
-            if (!isBlank(*c)) {
-                m_content.push_back(*c);
-            } else if (!isBlank(c[1])) {  // the range is trimmed: something follows the blanks
-                const wchar_t before = m_content.back();
-                if (everyBlankCounts || (isNumberUnit(before) && isNumberUnit(c[1])) ||
-                    (isLetter(before) && isLetter(c[1])))
-                    m_content.push_back(L' ');
-            }
+        BryString text = range.text();
+        BryString::getTokens(text, m_words, m_blanks);
+        for (long i = 0; i < m_words.length(); ++i) {
+            const BryString& word = m_words[i];
+            if (i > 0 && (everyBlankCounts || keepsApart(m_content.back(), word[0]))) m_content.push_back(L' ');
+            m_content.insert(m_content.end(), word.getStringW(), word.getStringW() + word.length());
         }
+    }
+
+    // Whether a blank between the two counts.
+    static bool keepsApart(wchar_t before, wchar_t behind) {
+        return (isNumberUnit(before) && isNumberUnit(behind)) || (isLetter(before) && isLetter(behind));
     }
 
     bool checkCharacters() {
@@ -366,6 +368,8 @@ private:
     NcPart& m_part;
     NcError& m_error;
     std::vector<wchar_t> m_content;
+    const BryString m_blanks = L" \t";
+    BryArray<BryString> m_words;  // of the stretch that is being added
 };
 
 bool fileFails(NcError& error, const BryString& reason, int line = 0) {

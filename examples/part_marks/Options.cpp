@@ -14,6 +14,13 @@ Options
       --prefix CODE=TEXT    what marks of the profile code CODE begin with; may
                             be given for several codes. Unless given it is the
                             code: I1, I2, U1 ...
+      --counter             the same marks, made by the library's incremental
+                            counter, which the next two options need
+      --exclude CHARS       digits and letters A to Z that marks lack: with IO,
+                            or I,O, H is followed by J. Prefixes may have them,
+                            --start must not. May be given several times
+      --max N               at most N marks a prefix, from 1 to 2147483647; the
+                            parts beyond have no mark
       --no-subfolders       only the files of the folders themselves
   -h, --help                this text
       --                    what follows are files and folders
@@ -39,6 +46,8 @@ Same parts
 Marks
   Each prefix counts for itself, in the order of the files. The list is in the
   order of the marks: by prefix, then as counted, so I2 stands before I10.
+  Parts that --max leaves without a mark come last within their prefix; their
+  mark is empty, and a line on the error stream counts them.
 
 marks.csv
   UTF-8, commas, one line a part: mark, profile, code, steel, length (mm),
@@ -49,7 +58,8 @@ marks.csv
 Exit status
   0  all done
   1  done, but some files or folders could not be read or are no part files;
-     each is named on the error stream as FILE:LINE: REASON
+     each is named on the error stream as FILE:LINE: REASON. Or --max has left
+     parts without a mark
   2  wrong usage, no part was read, or the list could not be written (marks.csv
      is then as it was); or this program's own text could not be written
 )";
@@ -65,9 +75,7 @@ public:
         for (m_next = 0; m_next < m_arguments.size() && !m_options.help;)
             if (!takeArgument(m_arguments[m_next++])) return false;
         if (m_options.help) return true;
-        if (!m_options.marks.isStartValid())
-            return fail(BryString(L"--start ") + m_options.marks.start +
-                        (m_options.marks.letters ? L": letters are A to Z" : L": a number has digits only"));
+        if (!checkMarks()) return false;
         return !m_options.inputs.empty() || fail(L"no folder and no file is given");
     }
 
@@ -95,8 +103,11 @@ private:
         if (name == L"--type") return takeValue(name) && takeType();
         if (name == L"--start") return takeValue(name) && takeStart();
         if (name == L"--prefix") return takeValue(name) && takePrefix();
+        if (name == L"--exclude") return takeValue(name) && takeExclude();
+        if (name == L"--max") return takeValue(name) && takeMax();
         if (m_hasValue) return fail(BryString(L"unknown option, or one that takes no value: ") + name);
         if (name == L"--no-subfolders") return takeFlag(m_options.withSubfolders, false);
+        if (name == L"--counter") return takeFlag(m_options.marks.withCounter, true);
         if (name == L"--help" || name == L"-h") return takeFlag(m_options.help, true);
         if (name == L"--") return takeFlag(m_onlyInputs, true);
         return fail(BryString(L"unknown option: ") + name);
@@ -135,6 +146,40 @@ private:
         if (equals < 1) return fail(L"--prefix needs a profile code and a text: --prefix I=BEAM");
         m_options.marks.prefix[m_value.left(equals)] = m_value.mid(equals + 1);
         return true;
+    }
+
+    // A list is a set of characters all the same.
+    bool takeExclude() {
+        BryArray<BryString> tokens;
+        BryString::getTokens(m_value, tokens, L", ");
+        BryString characters;
+        for (long i = 0; i < tokens.length(); ++i) characters += tokens[i];
+        for (const wchar_t* c = characters.getStringW(); *c; ++c)
+            if (!(*c >= L'0' && *c <= L'9') && !(*c >= L'A' && *c <= L'Z'))
+                return fail(BryString(L"--exclude ") + m_value + L": only digits and letters A to Z can be excluded");
+        m_options.marks.excluded += characters;
+        return !characters.isEmpty() || fail(L"--exclude needs digits or letters: --exclude IO");
+    }
+
+    bool takeMax() {
+        m_value.TrimLeft(L"0");
+        m_options.marks.limit = m_value.toInteger();
+        const bool isTaken =
+            m_options.marks.limit > 0 && m_value == BryString::integerToString(m_options.marks.limit, 10);
+        return isTaken || fail(L"--max needs a whole number from 1 to 2147483647");
+    }
+
+    bool checkMarks() {
+        const MarkSettings& marks = m_options.marks;
+        if (!marks.withCounter && !marks.excluded.isEmpty()) return fail(L"--exclude needs --counter");
+        if (!marks.withCounter && marks.limit >= 0) return fail(L"--max needs --counter");
+        if (!marks.leavesSymbols())
+            return fail(marks.letters ? L"--exclude leaves no letter" : L"--exclude leaves no digit from 1 to 9");
+        if (!marks.isStartValid())
+            return fail(BryString(L"--start ") + marks.start +
+                        (marks.letters ? L": letters are A to Z" : L": a number has digits only"));
+        return !marks.hasExcluded(marks.start) ||
+               fail(BryString(L"--start ") + marks.start + L": --exclude leaves out one of its characters");
     }
 
     bool fail(const BryString& error) {

@@ -3,6 +3,8 @@
 
 #include "NcPart.h"
 
+#include <roots/containers/BryBalancedTree.h>
+
 #include <cstdint>
 #include <map>
 #include <vector>
@@ -13,14 +15,21 @@ struct MarkSettings {
     BryString start;                        // the first number or letters; empty for 1 or A
     std::map<BryString, BryString> prefix;  // by profile code; the code itself where there is none
 
-    // Whether start can be counted on from.
+    bool withCounter = false;  // whether an incremental counter makes them, which the rest is for
+    BryString excluded = {};   // characters that stand in no number and no letters; prefixes may have them
+    int limit = -1;            // how many marks a prefix may have, at least 1; -1 for no limit
+
+    // Whether start can be counted on from, but for excluded characters in it.
     bool isStartValid() const;
+    bool hasExcluded(const BryString& text) const;
+    // Whether something is left to count with: a digit other than 0, or a letter.
+    bool leavesSymbols() const;
 };
 
 struct MarkedPart {
     NcPart part;  // as the first of its files has it; the quantity is that file's
     BryString prefix;
-    BryString mark;
+    BryString mark;                // empty where the limit was reached
     std::int64_t quantity = 0;     // of all files
     std::vector<BryString> files;  // in the order of add()
 
@@ -28,16 +37,18 @@ struct MarkedPart {
     double weight() const;
 };
 
+// Cannot be copied, as the tree cannot.
 class PartMarks {
 public:
     void add(const NcPart& part, const BryString& file);
 
     // The distinct parts with their marks, in the order of the marks: by prefix, and as they were numbered. Within a
     // prefix they are numbered as they were first added. No mark is given twice: one that another prefix has led to
-    // already (P1 + 1 and P + 11) is passed over.
+    // already (P1 + 1 and P + 11) is passed over, which does not count for the limit. The settings must be valid: a
+    // start that can be counted on from, without excluded characters, and symbols left.
     std::vector<MarkedPart> mark(const MarkSettings& settings) const;
 
 private:
     std::vector<MarkedPart> m_parts;
-    std::map<BryString, std::size_t> m_byContent;  // the places in m_parts
+    BryBalancedTree m_byContent;  // of PartPlace
 };

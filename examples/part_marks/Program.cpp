@@ -56,8 +56,7 @@ int flushed(std::FILE* output, std::FILE* errors, int status) {
 }
 
 // Reads the files; what is wrong with one is added to problems, the others are done all the same.
-PartMarks readParts(const std::vector<BryString>& files, std::vector<FileProblem>& problems) {
-    PartMarks parts;
+void readParts(const std::vector<BryString>& files, PartMarks& parts, std::vector<FileProblem>& problems) {
     for (const BryString& file : files) {
         NcPart part;
         NcError error;
@@ -66,7 +65,6 @@ PartMarks readParts(const std::vector<BryString>& files, std::vector<FileProblem
         else
             problems.push_back({file, error.line, error.reason});
     }
-    return parts;
 }
 
 }  // namespace
@@ -84,8 +82,12 @@ int runPartMarks(const std::vector<BryString>& arguments, std::FILE* output, std
     const std::vector<BryString> files = findPartFiles(options.inputs, options.withSubfolders, problems);
     const BryString marksFile = outputFile(options.output);
     if (isOneOf(files, marksFile)) return usageError(errors, L"--output names a part file that is read");
-    const std::vector<MarkedPart> parts = readParts(files, problems).mark(options.marks);
+    PartMarks read;
+    readParts(files, read, problems);
+    const std::vector<MarkedPart> parts = read.mark(options.marks);
+    const std::string limits = limitsText(parts, options.marks.limit);
     for (const FileProblem& problem : problems) print(errors, problem);
+    print(errors, limits);
     if (parts.empty()) {
         print(errors, "part_marks: no part was read, nothing is written\n");
         return failed;
@@ -97,5 +99,5 @@ int runPartMarks(const std::vector<BryString>& arguments, std::FILE* output, std
     }
     print(output, summaryText(parts, problems.size()));
     print(output, "  Written: " + stringToUtf8(marksFile) + "\n\n");
-    return flushed(output, errors, problems.empty() ? allDone : someFailed);
+    return flushed(output, errors, problems.empty() && limits.empty() ? allDone : someFailed);
 }

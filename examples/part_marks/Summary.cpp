@@ -138,15 +138,31 @@ BryString hundredthsText(double value) {
 BryString countText(std::int64_t count) { return BryString(std::to_string(count).c_str()); }
 
 std::string summaryText(const std::vector<MarkedPart>& parts, std::size_t errors) {
-    std::size_t filesRead = 0;
-    for (const MarkedPart& part : parts) filesRead += part.files.size();
+    std::size_t filesRead = 0, unmarked = 0;
+    for (const MarkedPart& part : parts) {
+        filesRead += part.files.size();
+        unmarked += part.mark.isEmpty() ? 1 : 0;
+    }
     std::string text = "\n" + marksTable(parts) + totalsTable(parts);
     text += "  " + counted(filesRead, "file", "files") + " read, " +
             counted(parts.size(), "different part", "different parts") + ", " + counted(errors, "error", "errors") +
             "\n";
+    if (unmarked > 0) text += "  " + counted(unmarked, "part has", "parts have") + " no mark.\n";
     const std::size_t plates = countWeightsPerSquareMetre(parts);
     if (plates > 0)
         text += "  Note: the weight per metre of " + counted(plates, "plate", "plates") +
                 " looks like one per square metre; it counts as written.\n";
+    return text;
+}
+
+std::string limitsText(const std::vector<MarkedPart>& parts, int limit) {
+    std::map<BryString, std::size_t> unmarked;
+    for (const MarkedPart& part : parts)
+        if (part.mark.isEmpty()) ++unmarked[part.prefix];
+    std::string text;
+    for (const auto& [prefix, count] : unmarked)
+        text += "part_marks: --max " + std::to_string(limit) + " reached: prefix " +
+                (prefix.isEmpty() ? "\"\"" : stringToUtf8(prefix)) + ": " + counted(count, "part has", "parts have") +
+                " no mark\n";
     return text;
 }

@@ -9,5 +9,8 @@
 BryString hundredthsText(double value);
 BryString countText(std::int64_t count);
 
-// In UTF-8: a table of the first marks, the totals of each profile code and of all.
+// What follows is in UTF-8. A table of the first marks, the totals of each profile code and of all.
 std::string summaryText(const std::vector<MarkedPart>& parts, std::size_t errors);
+
+// A line for each prefix that has parts without a mark, which come when limit marks are given.
+std::string limitsText(const std::vector<MarkedPart>& parts, int limit);

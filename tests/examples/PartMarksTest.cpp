@@ -160,6 +160,30 @@ TEST(PartMarks, CountsEachPrefixForItself) {
               L"P1 P2 P3 P4 P5 P6 P7 P8 P9 P10 P12 P11 ");
 }
 
+TEST(PartMarks, CountsWithoutExcludedCharactersUpToTheLimit) {
+    // clang-format off
+    const struct { const wchar_t* codes; MarkSettings settings; const wchar_t* expected; } rows[] = {
+        {L"UIUII", {false, L"099", {}, true}, L"I099 I100 I101 U099 U100 "},
+        {L"UIUII", {true, L"Y", {}, true}, L"IY IZ IAA UY UZ "},
+        {L"III", {true, L"H", {}, true, L"IO"}, L"IH IJ IK "},
+        {L"III", {true, L"Z", {}, true, L"A"}, L"IZ IBB IBC "},
+        {L"III", {true, L"", {}, true, L"AB"}, L"IC ID IE "},
+        {L"III", {false, L"", {}, true, L"1"}, L"I2 I3 I4 "},
+        {L"III", {false, L"9", {}, true, L"1"}, L"I9 I20 I22 "},
+        {L"III", {false, L"998", {}, true, L"0"}, L"I998 I999 I1111 "},
+        {L"III", {false, L"", {}, true, L"12345678"}, L"I9 I90 I99 "},
+        {L"UIUII", {false, L"", {}, true, L"", 2}, L"I1 I2  U1 U2 "},
+        {L"IUI", {false, L"5", {{L"I", L""}}, true, L"", 1}, L"5  U5 "},
+        // What the prefix P1 has taken does not count for P.
+        {L"UIIIIIIIIIIII", {false, L"", {{L"U", L"P1"}, {L"I", L"P"}}, true, L"", 11},
+         L"P1 P2 P3 P4 P5 P6 P7 P8 P9 P10 P12  P11 "}};
+    // clang-format on
+    for (const auto& row : rows) EXPECT_EQ(marksOf(row.codes, row.settings), row.expected);
+    const MarkSettings onlyNine = {false, L"", {}, true, L"012345678"};
+    const BryString nines = std::string(60, '9').c_str();
+    EXPECT_EQ(marksOf(std::string(60, 'I').c_str(), onlyNine).right(62), BryString(L"I") + nines + L" ");
+}
+
 TEST(MarksTable, WritesNumbersAndFieldsTheSameEverywhere) {
     const std::pair<double, const wchar_t*> numbers[] = {
         {0.004, L"0.00"}, {0.125, L"0.13"}, {-0.125, L"-0.13"}, {7, L"7.00"}, {1234567.5, L"1234567.50"}};
@@ -176,6 +200,7 @@ TEST(MarksTable, WritesNumbersAndFieldsTheSameEverywhere) {
 }
 
 TEST(PartMarksOptions, AreTakenOrRefusedWithAReason) {
+    const wchar_t* const maxRange = L"--max needs a whole number from 1 to 2147483647";
     // clang-format off
     const std::pair<std::vector<BryString>, const wchar_t*> rows[] = {
         {{L"-o", L"x.csv", L"--type=letter", L"--start", L"AA", L"--prefix", L"I=B=", L"--no-subfolders", L"nc"}, L""},
@@ -186,6 +211,14 @@ TEST(PartMarksOptions, AreTakenOrRefusedWithAReason) {
         {{L"nc", L"--start", L"A"}, L"--start A: a number has digits only"},
         {{L"nc", L"--type", L"letter", L"--start", L"a"}, L"--start a: letters are A to Z"},
         {{L"--prefix", L"=X"}, L"--prefix needs a profile code and a text: --prefix I=BEAM"},
+        {{L"--counter", L"--exclude", L"I, O", L"--exclude=5", L"--max", L"2147483647", L"nc"}, L""},
+        {{L"--exclude", L"IO", L"nc"}, L"--exclude needs --counter"}, {{L"--max=3"}, L"--max needs --counter"},
+        {{L"--exclude", L", "}, L"--exclude needs digits or letters: --exclude IO"},
+        {{L"--exclude=Io"}, L"--exclude Io: only digits and letters A to Z can be excluded"},
+        {{L"--counter", L"--exclude", L"123456789"}, L"--exclude leaves no digit from 1 to 9"},
+        {{L"--counter", L"--type=letter", L"--exclude", L"ABCDEFGHIJKLMNOPQRSTUVWXYZ"}, L"--exclude leaves no letter"},
+        {{L"--counter", L"--start=120", L"--exclude=0"}, L"--start 120: --exclude leaves out one of its characters"},
+        {{L"--max", L"0"}, maxRange}, {{L"--max=2147483648"}, maxRange}, {{L"--max=3.0"}, maxRange},
         {{L"--help=no"}, L"unknown option, or one that takes no value: --help"}};
     // clang-format on
     for (const auto& [arguments, expected] : rows) {
@@ -218,6 +251,17 @@ TEST_F(PartMarksRun, DoesTheRestWhereAFileIsBad) {
                             "nc/zero.nc:4: not a text: a zero byte\n");
     EXPECT_EQ(fileBytes("marks.csv"),
               heading + "B1,FL100x8,B,S355J2,250.00,8,12.56,nc/good.nc; nc/sub.nc/again.NC1\r\n");
+}
+
+TEST_F(PartMarksRun, ListsThePartsThatTheLimitLeavesWithoutAMark) {
+    const char* const lengths[] = {"250.00", "260.00", "270.00"};
+    for (const char* length : lengths)
+        put(std::string("nc/") + length + ".nc", std::string(goodBytes).replace(goodBytes.find("250.00"), 6, length));
+    EXPECT_EQ(run({L"nc", L"--counter", L"--max", L"1"}), 1);
+    EXPECT_EQ(m_errors, "part_marks: --max 1 reached: prefix B: 2 parts have no mark\n");
+    const std::string marks = fileBytes("marks.csv");
+    for (const char* line : {"\nB1,FL100x8,B,S355J2,250.00,4", "\n,FL100x8,B,S355J2,270.00,4"})
+        EXPECT_NE(marks.find(line), std::string::npos) << marks;
 }
 
 TEST_F(PartMarksRun, CountsAFileOnceAndKeepsItsName) {
