@@ -200,6 +200,15 @@ struct SmallSet {
     }
 };
 
+// Of the two bits that each unit of a vector has in a mask.
+constexpr std::uint32_t kOneBitEach = 0x5555;
+
+// How many of them are set.
+std::size_t countUnits(std::uint32_t oneBitEach) noexcept {
+    const std::uint32_t inFours = (oneBitEach & 0x1111) + (oneBitEach >> 2 & 0x1111);
+    return inFours * 0x1111 >> 12 & 0xF;
+}
+
 bool isIn(wchar_t unit, const wchar_t* set, std::size_t setLength) noexcept {
     for (std::size_t i = 0; i < setLength; ++i)
         if (set[i] == unit) return true;
@@ -260,17 +269,40 @@ std::size_t UnitSet::findEach(const wchar_t* text, std::size_t length, std::size
     if (m_count == 0) return 0;
     if (m_count <= kSmallSet) {
         const SmallSet members(m_few, m_count);
-        for (; i + kUnits <= length; i += kUnits) {
-            std::uint32_t mask = ~members.others(text + i) & Units::kAllBytes;
-            for (; mask != 0; mask &= mask - 1, mask &= mask - 1) {  // each unit has two bits
-                if (stored == max) return stored;
-                positions[stored++] = static_cast<std::uint32_t>(i + vector::lowestUnit(mask));
+        for (; i + kUnits <= length && stored + kUnits + 2 <= max; i += kUnits) {
+            std::uint32_t mask = ~members.others(text + i) & kOneBitEach;
+            std::uint32_t* out = positions + stored;
+            stored += countUnits(mask);
+            // Two are stored whether they are or not: no processor foresees how many units there are.
+            for (; mask != 0; mask &= mask - 1, out += 2) {
+                out[0] = static_cast<std::uint32_t>(i + vector::lowestUnit(mask));
+                mask &= mask - 1;
+                out[1] = static_cast<std::uint32_t>(i + vector::lowestUnit(mask | 0x10000));
             }
         }
     }
     for (; i < length && stored < max; ++i)
         if (contains(text[i])) positions[stored++] = static_cast<std::uint32_t>(i);
     return stored;
+}
+
+std::size_t UnitSet::countBetween(const wchar_t* text, std::size_t length) const noexcept {
+    std::size_t i = 0, counted = 0;
+    std::uint32_t before = 0;  // 1 where the unit before is not in the set
+    if (m_count != 0 && m_count <= kSmallSet) {
+        const SmallSet members(m_few, m_count);
+        for (; i + kUnits <= length; i += kUnits) {
+            const std::uint32_t others = members.others(text + i) & kOneBitEach;
+            counted += countUnits(others & ~(others << 2 | before));
+            before = others >> 2 * (kUnits - 1);
+        }
+    }
+    for (; i < length; ++i) {
+        const std::uint32_t isOther = !contains(text[i]);
+        counted += isOther & ~before;
+        before = isOther;
+    }
+    return counted;
 }
 
 // ---- finding a text ------------------------------------------------------------------------------
@@ -460,6 +492,23 @@ void copyReversed(wchar_t* out, const wchar_t* text, std::size_t count) noexcept
     for (; i < count; ++i) out[i] = text[count - 1 - i];
 }
 
+namespace {
+
+// Below 8 units, without a branch: lengths of short texts are hard to foresee. What is not to be written goes
+// elsewhere.
+inline void wipeFew(wchar_t* text, std::size_t length) noexcept {
+    wchar_t elsewhere[4];
+    const auto zeroIf = [&](std::size_t units) {
+        const std::uintptr_t here = 0 - static_cast<std::uintptr_t>((length & units) != 0);  // all bits, or none
+        const auto at = reinterpret_cast<std::uintptr_t>(text), other = reinterpret_cast<std::uintptr_t>(elsewhere);
+        std::memset(reinterpret_cast<void*>((at & here) | (other & ~here)), 0, units * sizeof(wchar_t));
+        text += length & units;
+    };
+    zeroIf(4), zeroIf(2), zeroIf(1);
+}
+
+}  // namespace
+
 KELROOTS_READS_AHEAD void wipe(wchar_t* text) noexcept {
     const Units zero = Units::fill(0);
     wchar_t* p = text;
@@ -486,6 +535,8 @@ KELROOTS_READS_AHEAD void wipe(wchar_t* text) noexcept {
         }
         // At least a vector lies before the terminator by now.
         zero.store(p + vector::lowestUnit(mask) - kUnits);
+    } else if (vector::bytesLeftInPage(p) >= 2 * kUnits) {
+        wipeFew(p, vector::lowestUnit(Units::load(p).equals(zero).mask()));
     } else {
         while (*p != 0) *p++ = 0;
     }

@@ -60,12 +60,16 @@ class UnitSet {
 public:
     UnitSet(const wchar_t* units, std::size_t count) noexcept;
 
+    bool isEmpty() const noexcept { return m_count == 0; }
     bool contains(wchar_t unit) const noexcept;
 
     // The positions, in order, of the first at most max units of text[0 .. length) that stand at start or behind it
     // and are in the set. Returns how many were stored. length is below 2^32.
     std::size_t findEach(const wchar_t* text, std::size_t length, std::size_t start, std::uint32_t* positions,
                          std::size_t max) const noexcept;
+
+    // How many stretches of units that are not in the set text[0 .. length) has.
+    std::size_t countBetween(const wchar_t* text, std::size_t length) const noexcept;
 
 private:
     std::size_t m_count;

@@ -62,7 +62,7 @@ BryString& BryString::take(BryStringRepr* rep) noexcept {
 }
 
 bool BryString::overwrite(wchar_t const* text, std::size_t length) noexcept {
-    if (m_rep->m_count != 1 || m_rep == m_repEmpty) return false;
+    if (!isUnshared()) return false;
     ReleaseCharCache();
     wide::copy(m_rep->m_buffer, text, length);
     return true;

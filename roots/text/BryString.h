@@ -11,10 +11,11 @@
 
 // The body that strings share: a zero-terminated text that never changes while it is shared, and the number of strings
 // that share it. Its text is overwritten with zeros before it is released.
-class KELROOTS_API BryStringRepr final {
+class KELROOTS_API BryStringRepr {
     friend class BryString;
     friend class BryIncrementalCounter;
     friend class BryNumberCreator;
+    friend class TokenWriter;
 
     // A body whose text, length units of it, is for the caller to fill; the terminator stands. Body and text are one
     // block of memory.
@@ -44,6 +45,7 @@ class KELROOTS_API BryStringRepr final {
 // - No operation reports an error. When memory is out, std::bad_alloc passes through and the string keeps its text.
 // - Strings are for one thread: bodies, counts and the two scratch buffers of the class are shared without locks.
 class KELROOTS_API BryString {
+    friend class TokenWriter;
     // Their values are their own and change with every step.
     friend class BryIncrementalCounter;
     friend class BryNumberCreator;
@@ -316,6 +318,7 @@ private:
 
     bool hasSameText(const BryString& other) const;
     char const* makeAnsiForm() const;
+    bool isUnshared() const { return m_rep->m_count == 1 && m_rep != m_repEmpty; }
     // Puts a text of the same length into the body; false, and nothing done, where others share it.
     bool overwrite(wchar_t const* text, std::size_t length) noexcept;
     BryString& keep(std::size_t from, std::size_t to);  // nothing but the units from .. to - 1

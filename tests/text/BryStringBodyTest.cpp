@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <string_view>
 #include <vector>
 
 #include "tests/support/FailNthAllocation.h"
@@ -127,6 +128,31 @@ TEST(BryStringBody, IsWipedBeforeItIsReleased) {
         EXPECT_GE(released, 8) << "bodies, texts and caches";
         EXPECT_EQ(unwiped, 0) << units << " units";
     }
+}
+
+TEST(BryStringBody, IsWipedInABlockThatTokensShare) {
+    SKIP_UNLESS_LIBRARY_MEMORY_IS_SEEN();
+    std::vector<wchar_t> secrets;
+    for (std::size_t units = 1; units < 90; ++units) {
+        secrets.insert(secrets.end(), units, 0x5A5A);
+        secrets.push_back(L',');
+    }
+    secrets.push_back(0);
+    BryString text(secrets.data());
+    long unwiped = 0;
+    WatchReleases watch([&](const void* block, std::size_t size) {
+        // Four bytes in a row: an address may have fewer.
+        unwiped += std::string_view(static_cast<const char*>(block), size).find("ZZZZ") != std::string_view::npos;
+    });
+    for (const long kept : {0, 3, 15, 16, 70, 88}) {
+        BryArray<BryString> tokens;
+        BryString::getTokens(text, tokens, L",");
+        const BryString survivor = tokens[kept];
+        tokens.setPhysicalLength(0);
+        EXPECT_EQ(survivor.length(), kept + 1);
+        EXPECT_EQ(sharesOf(survivor), 1);
+    }
+    EXPECT_EQ(unwiped, 0);
 }
 
 // Whatever allocation fails, the exception comes through, the string keeps its text and nothing is lost.
