@@ -198,9 +198,12 @@ T* BryArrayMemoryController<T>::create(long count, long overwritten) {
 
     T* slots =
         reinterpret_cast<T*>(BryMemoryControllerController::allocateArray(count, static_cast<unsigned int>(sizeof(T))));
-    const long kept = isPlain ? std::clamp(overwritten, 0L, count) : 0;
-    std::memset(static_cast<void*>(slots + kept), 0, static_cast<std::size_t>(count - kept) * sizeof(T));
-    construct(slots, count);
+    if constexpr (std::is_trivially_default_constructible<T>::value) {
+        const long kept = isPlain ? std::clamp(overwritten, 0L, count) : 0;
+        std::memset(static_cast<void*>(slots + kept), 0, static_cast<std::size_t>(count - kept) * sizeof(T));
+    } else {
+        construct(slots, count);
+    }
     return slots;
 }
 
@@ -213,20 +216,24 @@ void BryArrayMemoryController<T>::destroy(T*& slots, long count) {
 
 template <class T>
 void BryArrayMemoryController<T>::construct(T* slots, long count) {
-    if constexpr (!std::is_trivially_default_constructible<T>::value) {
+    // Zeroed a stretch at a time, which is still in the cache when its elements are constructed.
+    constexpr long kStretch = sizeof(T) < 4096 ? static_cast<long>(4096 / sizeof(T)) : 1;
+    long alive = 0;
+    try {
+        while (alive < count) {
+            const long end = (std::min)(count, alive + kStretch);
+            std::memset(static_cast<void*>(slots + alive), 0, static_cast<std::size_t>(end - alive) * sizeof(T));
 #if defined(__GNUC__)
-        // Members that a constructor leaves alone keep the zeros: without this they count as dead stores, which the
-        // compiler may drop.
-        __asm__ __volatile__("" : : "r"(slots) : "memory");
+            // Members that a constructor leaves alone keep the zeros: without this they count as dead stores, which
+            // the compiler may drop.
+            __asm__ __volatile__("" : : "r"(slots) : "memory");
 #endif
-        long alive = 0;
-        try {
-            for (; alive < count; ++alive) ::new (static_cast<void*>(slots + alive)) T;
-        } catch (...) {
-            destroyElements(slots, alive);
-            release(slots);
-            throw;
+            for (; alive < end; ++alive) ::new (static_cast<void*>(slots + alive)) T;
         }
+    } catch (...) {
+        destroyElements(slots, alive);
+        release(slots);
+        throw;
     }
 }
 

@@ -24,26 +24,28 @@ const Entry* BryBalancedTreeEntry::search(const Entry& probe) const {
 
 // ---- insertion -----------------------------------------------------------------------------------
 
-Entry::eError BryBalancedTreeEntry::insert(Entry*& slot, Entry* entry, int& grew) {
-    if (slot == nullptr) {
-        slot = entry;
-        grew = 1;
-        return eOk;
+Entry::eError BryBalancedTreeEntry::insert(Entry*& root, Entry* entry) {
+    constexpr int kMostLevels = 96;  // of more entries than memory can hold
+    Entry** way[kMostLevels];        // the slots from the root down
+    int level = 0;
+    Entry** slot = &root;
+    while (Entry* const at = *slot) {
+        way[level++] = slot;
+        const int where = at->compare(*entry);
+        if (where == 0) return eAlreadyInTree;
+        if (where != -1 && where != 1) return eOk;
+        slot = where < 0 ? &at->m_pLeft : &at->m_pRight;
     }
-    switch (slot->compare(*entry)) {
-        case -1: {
-            const eError error = insert(slot->m_pLeft, entry, grew);
-            if (grew) checkLeftInsert(slot, grew);
-            return error;
-        }
-        case +1: {
-            const eError error = insert(slot->m_pRight, entry, grew);
-            if (grew) checkRightInsert(slot, grew);
-            return error;
-        }
-        case 0: return eAlreadyInTree;
-        default: return eOk;
+    *slot = entry;
+    for (int grew = 1; grew && level > 0;) {
+        Entry** const above = way[--level];
+        if (slot == &(*above)->m_pLeft)
+            checkLeftInsert(*above, grew);
+        else
+            checkRightInsert(*above, grew);
+        slot = above;
     }
+    return eOk;
 }
 
 void BryBalancedTreeEntry::checkLeftInsert(Entry*& slot, int& grew) {
@@ -228,8 +230,7 @@ BryBalancedTree::~BryBalancedTree() { reset(); }
 
 Entry::eError BryBalancedTree::insert(Entry* entry) {
     if (entry == nullptr) return Entry::eNoEntry;
-    int grew = 0;
-    return Entry::insert(m_pRoot, entry, grew);
+    return Entry::insert(m_pRoot, entry);
 }
 
 const Entry* BryBalancedTree::search(const Entry& probe) const { return m_pRoot ? m_pRoot->search(probe) : nullptr; }

@@ -39,7 +39,7 @@ private:
     // to 1, that the subtree in the slot is one level higher or lower than before; 0, that the levels above need no
     // change.
     const Entry* search(const Entry& probe) const;
-    static eError insert(Entry*& slot, Entry* entry, int& grew);
+    static eError insert(Entry*& root, Entry* entry);
 
     // Take out the entry that compares equal (null if there is none), the one in slot, or the last one of the subtree.
     static Entry* remove(Entry*& slot, const Entry& probe, int& shrank);
