@@ -1,17 +1,16 @@
 #include <roots/numbering/BryIncrementalCounter.h>
 
-#include <roots/numbering/TextRoom.h>
 #include <roots/platform/WideText.h>
 
 #include <climits>
-#include <utility>
 
 namespace {
 
 // Character 0 makes an empty text, and that is found in every text but the empty one.
-bool contains(const BryString& excluded, wchar_t c) {
-    const wchar_t* const text = excluded.getStringW();
-    return c == 0 ? *text != 0 : wide::find(text, wide::length(text), c) != wide::npos;
+bool contains(const wchar_t* excluded, wchar_t c) {
+    if (*excluded == 0) return false;
+    while (*excluded != 0 && *excluded != c) ++excluded;
+    return *excluded == c;
 }
 
 }  // namespace
@@ -38,6 +37,7 @@ void BryIncrementalCounter::setCounterString(const BryString& value) {
     m_chars.setLogicalLength(static_cast<long>(length));
     if (length != 0) wide::copy(&m_chars[0], value.getStringW(), length);
     m_counterString = value;
+    m_isShownWhole = true;
 }
 
 BryIncrementalCounter::eIncrementStatus BryIncrementalCounter::increment() {
@@ -48,56 +48,81 @@ BryIncrementalCounter::eIncrementStatus BryIncrementalCounter::increment() {
     return isMaxReached ? eMaxReached : eIncremented;
 }
 
-// The next value is complete before the present one is touched.
 void BryIncrementalCounter::advance() {
-    const std::size_t length = static_cast<std::size_t>(m_chars.length());
-    TextRoom room(length + 1);
-    wchar_t* const positions = room.text() + 1;
-    if (length != 0) wide::copy(positions, &m_chars[0], length);
-    const bool isWidened = step(positions, length);
-    hold(positions - isWidened, length + isWidened);
-}
-
-bool BryIncrementalCounter::step(wchar_t* positions, std::size_t length) {
+    const wchar_t* const excluded = m_data.excludedChars.getStringW();
+    const long length = m_chars.length();
+    long wrapping = 0;  // positions, from the last one on
     int carry = 1;
-    for (std::size_t i = length; carry && i-- > 0;)
-        positions[i] = incrementAtPosition(positions[i], m_data.excludedChars, carry);
-    if (!carry) return false;
-    int wrapped;
-    positions[-1] = incrementAtPosition(static_cast<wchar_t>(initChar() - 1),
-                                        m_isNumeric ? m_data.excludedChars + L"0" : m_data.excludedChars, wrapped);
-    return true;
+    wchar_t next = 0;
+    while (carry && wrapping < length) {
+        next = following(m_chars[length - 1 - wrapping], excluded, carry);
+        wrapping += carry;
+    }
+    if (carry) {
+        widen();
+        return;
+    }
+    const wchar_t wrapped = wrapping > 0 ? wrappedChar() : next;
+    const bool isInPlace = m_isShownWhole && next != 0 && wrapped != 0 && m_counterString.isUnshared();
+    BryString room;
+    if (!isInPlace) room = BryString(BryStringRepr::make(static_cast<std::size_t>(length)));
+    const auto change = [=](wchar_t* positions) {
+        positions[length - 1 - wrapping] = next;
+        for (long i = length - wrapping; i < length; ++i) positions[i] = wrapped;
+    };
+    change(&m_chars[0]);
+    if (isInPlace) {
+        m_counterString.ReleaseCharCache();
+        change(m_counterString.m_rep->m_buffer);
+    } else {
+        showIn(room);
+    }
 }
 
-// The text is written over where nobody else has it; it lacks the characters 0.
-void BryIncrementalCounter::hold(const wchar_t* positions, std::size_t length) {
-    const std::size_t shown = length - wide::count(positions, length, 0);
-    const bool isAsLong = shown == length && wide::length(m_counterString.getStringW()) == length;
-    if (!isAsLong || !m_counterString.overwrite(positions, length)) {
-        BryString value;
-        if (shown != 0) {
-            BryStringRepr* const rep = BryStringRepr::make(shown);
-            wide::copyWithout(rep->m_buffer, shown, positions, length, 0);
-            value = BryString(rep);
-        }
-        m_chars.setLogicalLength(static_cast<long>(length));
-        m_counterString = std::move(value);
-    }
-    wide::copy(&m_chars[0], positions, length);
+// All positions have wrapped, or there is none.
+void BryIncrementalCounter::widen() {
+    const BryString excluded = m_isNumeric ? m_data.excludedChars + L"0" : m_data.excludedChars;
+    const long length = m_chars.length();
+    int ignored;
+    const wchar_t front = following(static_cast<wchar_t>(initChar() - 1), excluded.getStringW(), ignored);
+    BryString room(BryStringRepr::make(static_cast<std::size_t>(length) + 1));
+    m_chars.setLogicalLength(length + 1);
+    m_chars[0] = front;
+    for (long i = 1; i <= length; ++i) m_chars[i] = wrappedChar();
+    showIn(room);
+}
+
+// The characters 0 do not show.
+void BryIncrementalCounter::showIn(BryString& room) {
+    const std::size_t length = static_cast<std::size_t>(m_chars.length());
+    const std::size_t shown = length - wide::count(&m_chars[0], length, 0);
+    wchar_t* const text = room.m_rep->m_buffer;
+    wide::copyWithout(text, shown, &m_chars[0], length, 0);
+    text[shown] = 0;
+    m_isShownWhole = shown == length;
+    if (shown != 0)
+        m_counterString = static_cast<BryString&&>(room);
+    else
+        m_counterString.empty();
 }
 
 wchar_t BryIncrementalCounter::initChar() {
     const wchar_t* const text = m_data.initString.getStringW();
-    const std::size_t length = wide::length(text);
-    return length == 0 ? wchar_t(0) : text[length - 1];
+    if (text[0] == 0) return 0;
+    return text[1] == 0 ? text[0] : text[wide::length(text) - 1];  // mostly there is one
 }
 
 wchar_t BryIncrementalCounter::incrementAtPosition(wchar_t c, BryString excluded, int& wrapped) {
+    return following(c, excluded.getStringW(), wrapped);
+}
+
+wchar_t BryIncrementalCounter::following(wchar_t c, const wchar_t* excluded, int& wrapped) {
     const int first = initChar();
     wchar_t next = c;
     do ++next;
     while (contains(excluded, next) && next - first < m_data.charRange && next != c);
     wrapped = next - first == m_data.charRange;
-    if (!wrapped) return next;
-    return m_isNumeric ? L'0' : static_cast<wchar_t>(first);
+    return wrapped ? wrappedChar() : next;
 }
+
+wchar_t BryIncrementalCounter::wrappedChar() { return m_isNumeric ? L'0' : initChar(); }

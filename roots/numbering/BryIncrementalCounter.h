@@ -80,14 +80,18 @@ protected:
     wchar_t incrementAtPosition(wchar_t c, BryString excluded, int& wrapped);
 
 private:
+    // Whatever may fail in these does so before anything is touched.
     void advance();
-    // Steps the positions and, on a carry out of the first, puts one before it; whether it did.
-    bool step(wchar_t* positions, std::size_t length);
-    void hold(const wchar_t* positions, std::size_t length);
+    void widen();
+    void showIn(BryString& room);
+
+    wchar_t following(wchar_t c, const wchar_t* excluded, int& wrapped);
+    wchar_t wrappedChar();
 
     StructIncrementalCounter m_data;
     int m_isNumeric = 1;
     BryString m_counterString;
     BryArray<wchar_t, BryArrayObjectCopyReallocator<wchar_t>, BryArrayMemoryController<wchar_t>> m_chars;
-    int m_incrementCount = 0;  // calls since reset(); stops at its largest value
+    int m_incrementCount = 0;    // calls since reset(); stops at its largest value
+    bool m_isShownWhole = true;  // whether no character is 0
 };

@@ -1,8 +1,22 @@
 #include <roots/numbering/BryNumberCreator.h>
-#include <roots/numbering/TextRoom.h>
 #include <roots/platform/WideText.h>
 
+#include <memory>
+
 namespace {
+
+// Room for a text of `units` units, the terminator included: in place where it is as short as part numbers are.
+class TextRoom {
+public:
+    explicit TextRoom(std::size_t units) {
+        if (units > sizeof(m_few) / sizeof(*m_few)) m_many.reset(new wchar_t[units]);
+    }
+    wchar_t* text() { return m_many ? m_many.get() : m_few; }
+
+private:
+    wchar_t m_few[128];
+    std::unique_ptr<wchar_t[]> m_many;
+};
 
 std::size_t lengthOf(const BryString& text) { return wide::length(text.getStringW()); }
 
