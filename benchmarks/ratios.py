@@ -49,7 +49,16 @@ AIMS = {
     "array append": 1.1,
     "array append, room preset": 1.1,
     "array setAt, length preset": 1.1,
+    "getTokens": {1000: 3, 1000000: 1.7},
+    "getTokens against QString": 1,
+    "getTokens with quotes": {1000: 1.5, 1000000: 1.2},
+    "sort strings": 1.3,
+    "bsearch in strings": 0.9,
+    "tree insert": {1000: 1.5, 100000: 1.3, 1000000: 1.6},
+    "tree search": {1000: 1.1, 100000: 2.4, 1000000: 3},
     "getNextNumber": 0.5,
+    "increment, digits": 0.5,
+    "increment, letters": 0.5,
 }
 
 

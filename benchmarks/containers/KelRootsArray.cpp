@@ -1,8 +1,10 @@
-// Arrays filled one element after another, by KelRoots.
+// Arrays filled one element after another, arrays of strings sorted and searched, by KelRoots.
 
 #include <benchmarks/support/Measure.h>
+#include <benchmarks/support/Texts.h>
 
 #include <roots/containers/BryArray.h>
+#include <roots/containers/BryStringClassArray.h>
 
 namespace {
 
@@ -10,7 +12,7 @@ constexpr char kLibrary[] = "KelRoots";
 
 using Doubles = BryArray<double, BryArrayMemCopyReallocator<double>, BryArrayMemoryController<double>>;
 
-const int registered = [] {
+void filling() {
     measure("array append", kLibrary, {100000}, [](std::size_t size) {
         return [size] {
             Doubles values;
@@ -37,7 +39,40 @@ const int registered = [] {
             return values.logicalLength();
         };
     });
-    return 0;
-}();
+}
+
+std::vector<BryString> strings(std::size_t count) {
+    std::vector<BryString> strings;
+    for (const std::u16string& word : words(count))
+        strings.emplace_back(reinterpret_cast<wchar_t const*>(word.c_str()));
+    return strings;
+}
+
+BryStringClassArray arrayOf(const std::vector<BryString>& strings) {
+    BryStringClassArray array(static_cast<long>(strings.size()));
+    for (const BryString& string : strings) array.append(string);
+    return array;
+}
+
+void order() {
+    measure("sort strings", kLibrary, {100000}, [](std::size_t count) {
+        return [array = arrayOf(strings(count))] {
+            BryStringClassArray sorted(array);
+            sorted.sort(BryString::strCompare);
+            return sorted;
+        };
+    });
+    measure("bsearch in strings", kLibrary, {100000}, [](std::size_t count) {
+        const std::vector<BryString> unsorted = strings(count);
+        BryStringClassArray sorted = arrayOf(unsorted);
+        sorted.sort(BryString::strCompare);
+        return [sorted, wanted = picksOf(unsorted)]() mutable {
+            long index;
+            return sorted.bsearch(wanted.next(), index, BryString::strCompare) ? index : -1;
+        };
+    });
+}
+
+const int registered = (filling(), order(), 0);
 
 }  // namespace

@@ -1,10 +1,11 @@
 // The inputs, the same for every library, as 16-bit and 8-bit text.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
 // A row of numbers that looks random and is the same in every run.
 class Numbers {
@@ -68,22 +69,67 @@ inline std::u16string accented(std::size_t size) {
     return text;
 }
 
+// `count` texts of 3 to 9 capital letters and digits, such as part numbers have.
+inline std::vector<std::u16string> words(std::size_t count) {
+    Numbers numbers;
+    std::vector<std::u16string> words;
+    while (words.size() < count) {
+        std::u16string& word = words.emplace_back(3 + numbers.next() % 7, u'A');
+        for (char16_t& c : word) c = u"ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"[numbers.next() % 36];
+    }
+    return words;
+}
+
+// `count` words with a blank behind each; every third may be quoted and have a blank inside.
+enum class Quotes { kNone, kSome };
+inline std::u16string sentence(std::size_t count, Quotes quotes = Quotes::kNone) {
+    std::u16string text;
+    std::size_t i = 0;
+    for (std::u16string& word : words(count)) {
+        if (quotes == Quotes::kSome && i++ % 3 == 2) word = u"'" + word.insert(2, 1, u' ') + u"'";
+        text += word + u' ';
+    }
+    return text;
+}
+
+// The numbers below `count`, in random order.
+inline std::vector<int> keys(std::size_t count) {
+    Numbers numbers;
+    std::vector<int> keys;
+    for (std::size_t i = 0; i < count; ++i) {
+        keys.push_back(static_cast<int>(i));
+        std::swap(keys[i], keys[numbers.next() % (i + 1)]);
+    }
+    return keys;
+}
+
+// The same keys multiplied by an odd number, which keeps them different: another one gives another order.
+inline int scattered(int key, std::uint32_t odd) { return static_cast<int>(static_cast<std::uint32_t>(key) * odd); }
+
 // Goes round and round over values that are ready made.
-template <class T>
+template <class T, unsigned kValues = 256>
 class Carousel {
 public:
     template <class Make>
     explicit Carousel(Make make) {
         Numbers numbers;
-        for (T& value : m_values) value = make(numbers.next());
+        m_values.reserve(kValues);
+        while (m_values.size() < kValues) m_values.push_back(make(numbers.next()));
     }
-    T next() { return m_values[m_at++ % kValues]; }
+    const T& next() { return m_values[m_at++ % kValues]; }
 
 private:
-    static constexpr unsigned kValues = 256;
-    std::array<T, kValues> m_values;
+    std::vector<T> m_values;
     unsigned m_at = 0;
 };
+
+// Values to look up, picked at random: so many that the processor cannot learn the ways to them.
+template <class T>
+using Picks = Carousel<T, 1u << 20>;
+template <class T>
+Picks<T> picksOf(const std::vector<T>& values) {
+    return Picks<T>([&](std::uint32_t n) { return values[n % values.size()]; });
+}
 
 inline Carousel<int> integers() {
     return Carousel<int>([](std::uint32_t n) { return static_cast<int>(n); });

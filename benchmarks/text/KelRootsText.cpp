@@ -160,6 +160,25 @@ void conversion() {
     fromAnsi("from 8-bit text, accented", accented);
 }
 
-const int registered = (lifeAndComparison(), search(), composition(), editing(), conversion(), 0);
+void splitting() {
+    for (const char* work : {"getTokens", "getTokens against QString"})
+        measure(work, kLibrary, {1000, 1000000}, [](std::size_t count) {
+            return [text = string(sentence(count)), separators = BryString(L" ")]() mutable {
+                BryArray<BryString> tokens;
+                BryString::getTokens(text, tokens, separators);
+                return tokens;
+            };
+        });
+    measure("getTokens with quotes", kLibrary, {1000, 1000000}, [](std::size_t count) {
+        return [text = string(sentence(count, Quotes::kSome)), blank = BryString(L" "),
+                quote = BryString(L"'")]() mutable {
+            BryArray<BryString> tokens;
+            BryString::getTokens(text, tokens, blank, quote);
+            return tokens;
+        };
+    });
+}
+
+const int registered = (lifeAndComparison(), search(), composition(), editing(), conversion(), splitting(), 0);
 
 }  // namespace

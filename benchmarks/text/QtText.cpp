@@ -4,6 +4,7 @@
 #include <benchmarks/support/Texts.h>
 
 #include <QString>
+#include <QStringList>
 
 #include <algorithm>
 
@@ -142,6 +143,12 @@ void conversion() {
     fromLatin1("from 8-bit text, accented", accented);
 }
 
-const int registered = (lifeAndComparison(), search(), composition(), editing(), conversion(), 0);
+void splitting() {
+    measure("getTokens against QString", kLibrary, {1000, 1000000}, [](std::size_t count) {
+        return [text = string(sentence(count))] { return text.split(u' ', Qt::SkipEmptyParts); };
+    });
+}
+
+const int registered = (lifeAndComparison(), search(), composition(), editing(), conversion(), splitting(), 0);
 
 }  // namespace
