@@ -16,6 +16,9 @@ function(kelroots_compile target)
         target_compile_options(${target} PRIVATE ${sanitizers})
         target_link_options(${target} PRIVATE ${sanitizers})
     endif()
+    if(KELROOTS_BUILD_FUZZERS)
+        target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+    endif()
 endfunction()
 
 # GTest::gtest_main: the installed one, or for a cross build one made from the sources that Debian ships.

@@ -36,10 +36,12 @@
 #    include <stdlib.h>
 #    include <string.h>
 #    include <time.h>
+#    include <tlhelp32.h>
 #    include <wchar.h>
 #    include <wctype.h>
 
 namespace crt {
+using ::clock;
 using ::fclose;
 using ::feof;
 using ::fgets;
@@ -92,8 +94,11 @@ enum : DWORD {
     ERROR_INVALID_PARAMETER = 87,
     ERROR_INSUFFICIENT_BUFFER = 122,
     ERROR_INVALID_NAME = 123,
+    ERROR_BAD_PATHNAME = 161,
     ERROR_INVALID_FLAGS = 1004,
     ERROR_NO_UNICODE_TRANSLATION = 1113,
+    ERROR_INVALID_MSGBOX_STYLE = 1438,
+    ERROR_RESOURCE_DATA_NOT_FOUND = 1812,
 };
 
 // The error number of the last Windows service that failed on this thread. Successful services leave it alone.
@@ -151,6 +156,11 @@ char* strtok_s(char* text, const char* delimiters, char** context);
 wchar_t* wcstok_s(wchar_t* text, const wchar_t* delimiters, wchar_t** context);
 int _wcsicmp(const wchar_t* a, const wchar_t* b);
 int _wcsnicmp(const wchar_t* a, const wchar_t* b, std::size_t count);
+
+// The byte of a unit in the runtime's locale, "C" here: units up to FF have one, the others are refused (42) and fill
+// the destination with zeros. *count (unless null) is 1, or -1 after a failure. A null destination with a size only
+// asks whether the encoding has states: *count is 0.
+errno_t wctomb_s(int* count, char* to, std::size_t size, wchar_t unit);
 
 errno_t _itoa_s(int value, char* to, std::size_t size, int radix);
 errno_t _itow_s(int value, wchar_t* to, std::size_t size, int radix);
@@ -241,6 +251,10 @@ int iswdigit(unsigned short unit);
 
 std::size_t strftime(char* to, std::size_t size, const char* format, const std::tm* time);
 
+// Milliseconds since this process started, also those that it or the machine slept (posix/ProcessClock.cpp). -1 when
+// they exceed 32 bits, after 24 days.
+std::clock_t clock();
+
 }  // namespace crt
 
 // ---- file search (posix/FileSearch.cpp) -----------------------------------------------------------------------------
@@ -269,6 +283,86 @@ HANDLE FindFirstFileW(const wchar_t* pattern, WIN32_FIND_DATAW* found);
 BOOL FindNextFileW(HANDLE search, WIN32_FIND_DATAW* found);
 BOOL FindClose(HANDLE search);
 
+// ---- processes and modules (posix/Modules.cpp) ----------------------------------------------------------------------
+
+using ULONG_PTR = std::uintptr_t;
+using HMODULE = void*;
+
+struct PROCESSENTRY32W {
+    DWORD dwSize;
+    DWORD cntUsage;
+    DWORD th32ProcessID;
+    ULONG_PTR th32DefaultHeapID;
+    DWORD th32ModuleID;
+    DWORD cntThreads;
+    DWORD th32ParentProcessID;
+    LONG pcPriClassBase;
+    DWORD dwFlags;
+    wchar_t szExeFile[MAX_PATH];
+};
+
+enum : std::size_t { MAX_MODULE_NAME32 = 255 };
+
+struct MODULEENTRY32W {
+    DWORD dwSize;
+    DWORD th32ModuleID;
+    DWORD th32ProcessID;
+    DWORD GlblcntUsage;
+    DWORD ProccntUsage;
+    BYTE* modBaseAddr;
+    DWORD modBaseSize;
+    HMODULE hModule;
+    wchar_t szModule[MAX_MODULE_NAME32 + 1];
+    wchar_t szExePath[MAX_PATH];
+};
+
+enum : DWORD { TH32CS_SNAPPROCESS = 2, TH32CS_SNAPMODULE = 8 };
+
+DWORD GetCurrentProcessId();
+
+// Takes a list of the processes, or of the modules of one (0 is this one); CloseHandle releases it. Here the processes
+// are this one alone, of which the number, the parent's and the file name are told; the only modules are its own, in
+// the order of the dynamic loader: the program first, each with the path by which it was loaded (which opens it again
+// unless it is longer than MAX_PATH - 1 units and cut) and its whole pages in memory. What the kernel lends every
+// process is no file and is left out. INVALID_HANDLE_VALUE for any other kind or process.
+HANDLE CreateToolhelp32Snapshot(DWORD flags, DWORD process);
+
+// The first entry, then one after the other; entry->dwSize is its size. False at the end (ERROR_NO_MORE_FILES; so too
+// for the entries of the other kind), for a size too small (ERROR_INSUFFICIENT_BUFFER) and for what is no snapshot.
+BOOL Process32FirstW(HANDLE snapshot, PROCESSENTRY32W* entry);
+BOOL Process32NextW(HANDLE snapshot, PROCESSENTRY32W* entry);
+BOOL Module32FirstW(HANDLE snapshot, MODULEENTRY32W* entry);
+BOOL Module32NextW(HANDLE snapshot, MODULEENTRY32W* entry);
+
+// Snapshots are the handles there are here; any other value is refused (ERROR_INVALID_HANDLE).
+BOOL CloseHandle(HANDLE handle);
+
+// ---- version information (posix/VersionInfo.cpp) --------------------------------------------------------------------
+
+// The size of the block that holds the version resource of a PE file, 32- or 64-bit, or 0: error 1812 where there is
+// none or the file is damaged, else why it cannot be read. path is opened as it is, without a search. *handle (unless
+// null) becomes 0.
+//
+// The block is larger than the resource: at least 64 zeros follow, so that a reader that looks for the end of the
+// resource's key and for 13 words behind it stays inside, whatever the resource holds.
+DWORD GetFileVersionInfoSizeW(const wchar_t* path, DWORD* handle);
+
+// Fills a block of any size with the start of the resource, or with all of it and zeros. False like the above.
+BOOL GetFileVersionInfoW(const wchar_t* path, DWORD handle, DWORD size, void* block);
+
+// ---- message box (posix/MessageBox.cpp) -----------------------------------------------------------------------------
+
+using HWND = void*;
+
+enum : UINT { MB_OK = 0, MB_ICONHAND = 0x10, MB_ICONQUESTION = 0x20, MB_ICONWARNING = 0x30, MB_ICONINFORMATION = 0x40 };
+enum { IDOK = 1 };
+
+// Writes caption and text to the error stream, as UTF-8 without control characters other than line feeds and tabs, and
+// waits for Enter where both that stream and the input are a terminal. A null caption is "Error", a null text is empty.
+// IDOK. There is one button and no icon: any other style than MB_OK with an icon is refused (0, error 1438). owner is
+// not used.
+int MessageBoxW(HWND owner, const wchar_t* text, const wchar_t* caption, UINT style);
+
 // ---- the module -----------------------------------------------------------------------------------------------------
 
 using HINSTANCE = void*;
@@ -277,3 +371,14 @@ using LPVOID = void*;
 enum : DWORD { DLL_PROCESS_DETACH = 0, DLL_PROCESS_ATTACH = 1, DLL_THREAD_ATTACH = 2, DLL_THREAD_DETACH = 3 };
 
 #endif
+
+// ---- locks on streams (windows/StreamLock.cpp, posix/StreamLock.cpp) ------------------------------------------------
+
+namespace crt {
+
+// Waits until no other stream of any process holds this lock on the file, and holds it until the stream is closed:
+// processes that append to one file take turns, so that none overwrites or divides what another writes. It keeps nobody
+// from reading or writing who does not ask for it. False where the file cannot be locked, as a device.
+bool lockWhileOpen(std::FILE* stream);
+
+}  // namespace crt

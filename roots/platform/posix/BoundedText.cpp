@@ -173,3 +173,19 @@ int _wcsnicmp(const wchar_t* a, const wchar_t* b, std::size_t count) {
     }
     return 0;
 }
+
+errno_t wctomb_s(int* count, char* to, std::size_t size, wchar_t unit) {
+    int ignored;
+    int& result = count != nullptr ? *count : ignored;
+    result = -1;
+    if (size > INT_MAX) return fail(kBadArgument);
+    if (to == nullptr && size > 0) return result = 0;
+    if (unit > 0xFF) {
+        if (to != nullptr) std::memset(to, 0, size);
+        return fail(42);  // the Windows number for an illegal sequence
+    }
+    if (size == 0) return fail(kTooSmall);
+    *to = static_cast<char>(unit);
+    result = 1;
+    return 0;
+}
