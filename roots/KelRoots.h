@@ -1,12 +1,17 @@
 // Everything that KelRoots offers, in one include.
 #pragma once
 
+#include <roots/Version.h>
 #include <roots/containers/BryArray.h>
 #include <roots/containers/BryBalancedTree.h>
 #include <roots/containers/BryMemoryController.h>
 #include <roots/containers/BryStringClassArray.h>
+#include <roots/files/BryDebugInterfaces.h>
 #include <roots/files/BryFileAccess.h>
 #include <roots/files/BryGlobalStorage.h>
+#include <roots/files/BryLogfile.h>
+#include <roots/files/BryPerfMonitor.h>
+#include <roots/files/BryWinMessage.h>
 #include <roots/numbering/BryIncrementalCounter.h>
 #include <roots/numbering/BryNumberCreator.h>
 #include <roots/text/BryRuntime.h>

@@ -1,7 +1,10 @@
 // Every process-wide object of the library, in the order in which they come up, and the entry point. Objects of
 // different files would come up in no defined order.
 
+#include <roots/Version.h>
+#include <roots/files/BryDebugInterfaces.h>
 #include <roots/files/BryGlobalStorage.h>
+#include <roots/files/BryLogfile.h>
 #include <roots/platform/Win32.h>
 #include <roots/text/BryString.h>
 
@@ -11,13 +14,24 @@ wchar_t* BryString::BryStringTempBufferWide = new wchar_t[0x80000];
 char* BryString::BryStringTempBuffer = new char[0x80000];
 BryStringRepr* BryString::m_repEmpty = BryStringRepr::make(0);
 
+BryArray<void*, BryArrayObjectCopyReallocator<void*>, BryArrayMemoryController<void*>>
+    BryDebugInterfaces::m_ContextInitiators;
+BryArray<BryDebugInterfaces::DebugInfo, BryArrayObjectCopyReallocator<BryDebugInterfaces::DebugInfo>,
+         BryArrayMemoryController<BryDebugInterfaces::DebugInfo>>
+    BryDebugInterfaces::m_Info;
+
 BryString* BryGlobalStorage::g_pAcadSupportPaths = nullptr;
+
+int BryLogfile::doLogging = 0;
+int BryLogfile::m_isFirstLogToFile = 1;
 
 namespace library {
 
 HINSTANCE g_module = nullptr;  // the library's own module, whose resources it loads
 
 }  // namespace library
+
+const char* bryVersion() { return KELROOTS_VERSION; }
 
 // The system calls this when the library is loaded, after the objects above are made, and for each new thread.
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {

@@ -29,6 +29,7 @@ public:
     TempFolder& operator=(const TempFolder&) = delete;
 
     const std::filesystem::path& path() const { return m_path; }
+    const std::filesystem::path& workingFolderBefore() const { return m_before; }
 
 private:
     std::filesystem::path m_before, m_path;
