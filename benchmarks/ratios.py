@@ -57,6 +57,7 @@ AIMS = {
     "tree insert": {1000: 1.5, 100000: 1.3, 1000000: 1.6},
     "tree search": {1000: 1.1, 100000: 2.4, 1000000: 3},
     "getNextNumber": 0.5,
+    "log line": 1.3,
     "increment, digits": 0.5,
     "increment, letters": 0.5,
 }
