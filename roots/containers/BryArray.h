@@ -161,7 +161,8 @@ public:
     // Removes the first element == value from start on. 1 if there was one, else 0.
     int remove(const T& value, long start = 0);
 
-    // Sorts all elements, or those from .. to (inclusive; not checked) only. Equal elements stand in any order.
+    // Sorts all elements, or those from .. to (inclusive; not checked) only. Equal elements stand in any order. compare
+    // should not throw: the elements are all kept then, but the runtime may lose memory, or end a 32-bit process.
     void sort(Compare compare);
     void sort(long from, long to, Compare compare);
 

@@ -242,7 +242,7 @@ Entry::eError BryBalancedTree::remove(const Entry& probe) {
     return removed ? Entry::eOk : Entry::eNotFound;
 }
 
-// Destructors of entries that ask the tree find it empty.
+// The tree is empty before the entries go: their destructors may ask it.
 void BryBalancedTree::reset() {
     Entry* const root = m_pRoot;
     m_pRoot = nullptr;

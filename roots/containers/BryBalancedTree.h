@@ -31,31 +31,30 @@ public:
 
 private:
     friend class BryBalancedTree;
-    using Entry = BryBalancedTreeEntry;
 
     enum eWeight : int { eLeftHeavy = 0, eBalanced = 1, eRightHeavy = 2 };  // which subtree is one level higher
 
     // A slot is the pointer that holds a subtree: the tree's root or a link of an entry. grew and shrank tell, when set
     // to 1, that the subtree in the slot is one level higher or lower than before; 0, that the levels above need no
     // change.
-    const Entry* search(const Entry& probe) const;
-    static eError insert(Entry*& root, Entry* entry);
+    const BryBalancedTreeEntry* search(const BryBalancedTreeEntry& probe) const;
+    static eError insert(BryBalancedTreeEntry*& root, BryBalancedTreeEntry* entry);
 
     // Take out the entry that compares equal (null if there is none), the one in slot, or the last one of the subtree.
-    static Entry* remove(Entry*& slot, const Entry& probe, int& shrank);
-    static Entry* unlink(Entry*& slot, int& shrank);
-    static Entry* inorderPredecessor(Entry*& slot, int& shrank);
+    static BryBalancedTreeEntry* remove(BryBalancedTreeEntry*& slot, const BryBalancedTreeEntry& probe, int& shrank);
+    static BryBalancedTreeEntry* unlink(BryBalancedTreeEntry*& slot, int& shrank);
+    static BryBalancedTreeEntry* inorderPredecessor(BryBalancedTreeEntry*& slot, int& shrank);
 
     // Restore the balance of the entry in slot after its left or right subtree has grown or shrunk by one level.
-    static void checkLeftInsert(Entry*& slot, int& grew);
-    static void checkRightInsert(Entry*& slot, int& grew);
-    static void checkLeftRemove(Entry*& slot, int& shrank);
-    static void checkRightRemove(Entry*& slot, int& shrank);
+    static void checkLeftInsert(BryBalancedTreeEntry*& slot, int& grew);
+    static void checkRightInsert(BryBalancedTreeEntry*& slot, int& grew);
+    static void checkLeftRemove(BryBalancedTreeEntry*& slot, int& shrank);
+    static void checkRightRemove(BryBalancedTreeEntry*& slot, int& shrank);
 
-    static void rotateLeft(Entry*& slot);
-    static void rotateRight(Entry*& slot);
-    static void rotateTwiceLeft(Entry*& slot);
-    static void rotateTwiceRight(Entry*& slot);
+    static void rotateLeft(BryBalancedTreeEntry*& slot);
+    static void rotateRight(BryBalancedTreeEntry*& slot);
+    static void rotateTwiceLeft(BryBalancedTreeEntry*& slot);
+    static void rotateTwiceRight(BryBalancedTreeEntry*& slot);
     void checkAndCorrectBalanceStatus();
     void setWeightStatusToChilds(eWeight left, eWeight right);
 
@@ -91,7 +90,8 @@ public:
     // eNotFound if there is none. The probe may be that entry itself.
     BryBalancedTreeEntry::eError remove(const BryBalancedTreeEntry& probe);
 
-    // Destroys every entry; the tree is empty then and can be used again.
+    // Destroys every entry; the tree is empty then and can be used again. Destructors of entries that ask the tree find
+    // it empty; they must not insert.
     void reset();
 
 private:

@@ -17,13 +17,23 @@ bool contains(const wchar_t* excluded, wchar_t c) {
 
 BryIncrementalCounter::BryIncrementalCounter() = default;
 BryIncrementalCounter::BryIncrementalCounter(const BryIncrementalCounter& other) = default;
-BryIncrementalCounter& BryIncrementalCounter::operator=(const BryIncrementalCounter& other) = default;
+// The positions come first: they alone may fail.
+BryIncrementalCounter& BryIncrementalCounter::operator=(const BryIncrementalCounter& other) {
+    m_chars = other.m_chars;
+    m_data = other.m_data;
+    m_isNumeric = other.m_isNumeric;
+    m_counterString = other.m_counterString;
+    m_incrementCount = other.m_incrementCount;
+    m_isShownWhole = other.m_isShownWhole;
+    return *this;
+}
 BryIncrementalCounter::~BryIncrementalCounter() = default;
 
 int BryIncrementalCounter::setDataFrom(const StructIncrementalCounter& data) {
+    setCounterString(data.startValue);  // nothing fails behind it
     m_data = data;
     m_isNumeric = m_data.startValue.IsNumeric() && m_data.initString.IsNumeric();
-    reset();
+    m_incrementCount = 0;
     return 1;
 }
 
@@ -71,12 +81,10 @@ void BryIncrementalCounter::advance() {
         for (long i = length - wrapping; i < length; ++i) positions[i] = wrapped;
     };
     change(&m_chars[0]);
-    if (isInPlace) {
-        m_counterString.ReleaseCharCache();
-        change(m_counterString.m_rep->m_buffer);
-    } else {
+    if (isInPlace)
+        change(m_counterString.m_rep->m_buffer);  // which nobody has asked for an 8-bit form
+    else
         showIn(room);
-    }
 }
 
 // All positions have wrapped, or there is none.

@@ -36,14 +36,14 @@ struct StructIncrementalCounter {
 //
 // - The character gets the next one, and the next again while that is excluded and below the end of the alphabet. It
 //   wraps if it comes to stand right behind the last symbol, and then to 0 or the first symbol even if these are
-//   excluded. Characters below or above the alphabet so step up by one and do not wrap: A9 is followed by A: in the
-//   alphabet A to Z.
+//   excluded. Characters above the alphabet therefore step up by one, those below it to the next that is not
+//   excluded, and neither wraps: A9 is followed by A: in the alphabet A to Z.
 // - Characters have 16 bits: 0xFFFF is followed by 0, which counts as excluded where any character is, and does not
 //   stand in getCounterString(). An alphabet that ends at 0xFFFF therefore never wraps.
 // - Where every character is excluded and the alphabet has no end, the position keeps its character.
 // - Without initString the first symbol is character 0.
 //
-// Copies carry everything. When memory is out, std::bad_alloc passes through and the value stays.
+// Copies carry everything. When memory is out, std::bad_alloc passes through and the counter stays as it was.
 class KELROOTS_API BryIncrementalCounter {
 public:
     enum eIncrementStatus : int {

@@ -15,7 +15,6 @@ class KELROOTS_API BryStringRepr {
     friend class BryString;
     friend class BryIncrementalCounter;
     friend class BryNumberCreator;
-    friend class TokenWriter;
 
     // A body whose text, length units of it, is for the caller to fill; the terminator stands. Body and text are one
     // block of memory.
@@ -45,7 +44,6 @@ class KELROOTS_API BryStringRepr {
 // - No operation reports an error. When memory is out, std::bad_alloc passes through and the string keeps its text.
 // - Strings are for one thread: bodies, counts and the two scratch buffers of the class are shared without locks.
 class KELROOTS_API BryString {
-    friend class TokenWriter;
     // Their values are their own and change with every step.
     friend class BryIncrementalCounter;
     friend class BryNumberCreator;
@@ -215,7 +213,10 @@ public:
 
     // The stretches of text between separators, in order; each character of separators separates on its own, and no
     // token is empty. They replace the elements of tokens, whose storage grows at most once, to the physical length
-    // that append() would have come to. text stays as it is; it and the sets may be elements of tokens.
+    // that append() would have come to. text stays as it is, unless it is an element of tokens, which it and the sets
+    // may be. When memory is out, tokens holds some of the first tokens.
+    //
+    // Up to 16 short tokens share a block of memory of at most 3 kB, which lives as long as one of them.
     static void getTokens(BryString& text, BryArray<BryString>& tokens, const BryString& separators);
 
     // The same, but each character of quotes opens a stretch in which separators and other quotes are ordinary
@@ -308,6 +309,8 @@ private:
     }
     void destroyRep() noexcept;
     void destroyCharCache() noexcept;
+
+    class TokenWriter;
 
     // Bodies holding a copy of length units of text, or text converted from a code page; the shared empty body where
     // there is nothing to hold.

@@ -94,7 +94,7 @@ private:
 // To ask for memory is the largest part of what a short token costs, so neighbours share one block: each is a body like
 // any other, and the last of them to go releases the block. Long tokens have bodies of their own, so that no token
 // keeps more than a little memory for others.
-class TokenWriter {
+class BryString::TokenWriter {
 public:
     // The tokens lie before end.
     TokenWriter(BryArray<BryString>& tokens, const wchar_t* end) : m_tokens(tokens), m_end(end) {}

@@ -85,8 +85,8 @@ TEST(BryArraySlots, AreZeroOrDefaultUntilUsedAndKeepTheirValuesBehindTheEnd) {
     // clang-format off
     struct Half { int unset, set; Half() : set(7) {} };
     // clang-format on
-    BryArray<Half> halves(64);
-    for (long i = 0; i < 64; ++i) EXPECT_TRUE(halves[i].unset == 0 && halves[i].set == 7) << i;
+    BryArray<Half> halves(1000);
+    for (long i = 0; i < 1000; ++i) EXPECT_TRUE(halves[i].unset == 0 && halves[i].set == 7) << i;
     BryArray<wchar_t> units;
     ASSERT_EQ(units.setAt(10, L'x').physicalLength(), 16);
     for (long i = 0; i < 16; ++i) EXPECT_EQ(units[i], i == 10 ? L'x' : 0) << i;

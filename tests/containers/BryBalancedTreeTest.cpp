@@ -6,6 +6,7 @@
 #include <random>
 #include <set>
 #include <type_traits>
+#include <vector>
 
 namespace {
 
@@ -98,6 +99,22 @@ TEST(BryBalancedTree, TakesKeysInAnyOrderAndGivesThemBack) {
     EXPECT_EQ(tree.insert(nullptr), Base::eNoEntry);
     for (int key = 200000; key > 0; --key) insert(tree, key);
     for (int key = 1; key <= 200000; ++key) ASSERT_EQ(find(tree, key)->key, key);
+}
+
+TEST(BryBalancedTree, IsEmptyWhileItsEntriesGoTheRightOnesFirst) {
+    static BryBalancedTree* tree;
+    static std::vector<int> gone;
+    struct Asking : Entry {
+        using Entry::Entry;
+        ~Asking() override { gone.push_back(tree->search(*this) ? -1 : key); }
+    };
+    BryBalancedTree asked;
+    tree = &asked;
+    for (const int key : {2, 1, 3}) asked.insert(new Asking(key));
+    EXPECT_EQ(asked.remove(Entry(1)), Base::eOk);
+    asked.insert(new Asking(1));
+    asked.reset();
+    EXPECT_EQ(gone, (std::vector<int>{1, 2, 3, 1}));
 }
 
 TEST(BryBalancedTree, StaysAsItIsWhereComparisonsGoAstray) {

@@ -86,7 +86,6 @@ TEST(BryStringClassArray, CanBeDestroyedWhateverFailed) {
     array.sort(BryString::strCompare);
     EXPECT_EQ(joined(array), L"a b c d e ") << "a comparison that throws loses no string";
     SKIP_UNLESS_LIBRARY_MEMORY_IS_SEEN();
-    SCOPED_TRACE("memory");
     const long live = liveAllocations();
     EXPECT_GT(failEachAllocation(
                   [&] {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -125,6 +126,10 @@ TEST(BryIncrementalCounter, GivesTheValuesThatPartsAreNumberedWith) {
         counter.increment();
         EXPECT_EQ(counter.getCounterString(), ("1" + std::string(digits, '0')).c_str()) << digits;
     }
+    Values all(0xFFFF);
+    std::iota(all.begin(), all.end(), 1);
+    Counter closed(dataOf(L"A", INT_MAX, L"A", textOf(all)));
+    EXPECT_TRUE(closed.increment() == eIncremented && closed.getCounterString() == L"A");
     int wrapped = 7;
     Counter letters(dataOf(L"0A", 26, L"", L""));
     EXPECT_TRUE(letters.initChar() == L'A' && letters.incrementAtPosition(L'Z', L"A", wrapped) == L'A' && wrapped == 1);
@@ -171,5 +176,13 @@ TEST(BryIncrementalCounter, SkipsNoValueWhenMemoryIsOut) {
             1);
         EXPECT_EQ(counter.getCounterString(), ("1" + std::string(digits, '0')).c_str());
         EXPECT_TRUE(counter.increment() == eIncremented && counter.increment() == eMaxReached);
+
+        Counter other(dataOf(L"A", 26, std::string(digits + 40, 'A').c_str(), L""));
+        other.increment();
+        const BryString old = counter.getCounterString();
+        const auto stays = [&] { EXPECT_EQ(counter.getCounterString(), old); };
+        EXPECT_GT(failEachAllocation([&] { counter = other; }, stays), 0);
+        counter.increment();
+        EXPECT_EQ(counter.getCounterString(), (std::string(digits + 39, 'A') + "C").c_str());
     }
 }
