@@ -22,6 +22,12 @@ Options
       --max N               at most N marks a prefix, from 1 to 2147483647; the
                             parts beyond have no mark
       --no-subfolders       only the files of the folders themselves
+      --log FILE            what is read, what is wrong with it and what comes
+                            out of it, also into this file
+      --timing              the log also says how many milliseconds reading,
+                            marking and writing took; needs --log
+      --modules FILE        the program and the libraries that it has loaded,
+                            each with address, size, version and path
   -h, --help                this text
       --                    what follows are files and folders
 
@@ -55,11 +61,17 @@ marks.csv
   as the files have them) and the files, joined by "; ". It is written
   completely or not at all.
 
+Log and modules
+  Both files begin anew with each run. Each line of the log begins with the time
+  of day, and all of it is on the disk at any time. A character beyond U+00FF is
+  a ? in both. Neither may be a file that is read or written otherwise; if one
+  cannot be written, a line on the error stream says so and the rest is done.
+
 Exit status
   0  all done
   1  done, but some files or folders could not be read or are no part files;
      each is named on the error stream as FILE:LINE: REASON. Or --max has left
-     parts without a mark
+     parts without a mark, or the log or the list of modules is not complete
   2  wrong usage, no part was read, or the list could not be written (marks.csv
      is then as it was); or this program's own text could not be written
 )";
@@ -75,6 +87,7 @@ public:
         for (m_next = 0; m_next < m_arguments.size() && !m_options.help;)
             if (!takeArgument(m_arguments[m_next++])) return false;
         if (m_options.help) return true;
+        if (m_options.withTimes && m_options.log.isEmpty()) return fail(L"--timing needs --log");
         if (!checkMarks()) return false;
         return !m_options.inputs.empty() || fail(L"no folder and no file is given");
     }
@@ -105,8 +118,11 @@ private:
         if (name == L"--prefix") return takeValue(name) && takePrefix();
         if (name == L"--exclude") return takeValue(name) && takeExclude();
         if (name == L"--max") return takeValue(name) && takeMax();
+        if (name == L"--log") return takeValue(name) && takeFile(name, m_options.log);
+        if (name == L"--modules") return takeValue(name) && takeFile(name, m_options.modules);
         if (m_hasValue) return fail(BryString(L"unknown option, or one that takes no value: ") + name);
         if (name == L"--no-subfolders") return takeFlag(m_options.withSubfolders, false);
+        if (name == L"--timing") return takeFlag(m_options.withTimes, true);
         if (name == L"--counter") return takeFlag(m_options.marks.withCounter, true);
         if (name == L"--help" || name == L"-h") return takeFlag(m_options.help, true);
         if (name == L"--") return takeFlag(m_onlyInputs, true);
@@ -129,6 +145,13 @@ private:
     bool takeOutput() {
         m_options.output = m_value;
         return !m_value.isEmpty() || fail(L"--output needs a file or a folder");
+    }
+
+    // The library cuts longer names of logs.
+    bool takeFile(const BryString& name, BryString& file) {
+        file = m_value;
+        if (m_value.isEmpty()) return fail(name + L" needs a file");
+        return m_value.length() <= 255 || fail(name + L": the name has more than 255 characters");
     }
 
     bool takeType() {

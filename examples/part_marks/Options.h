@@ -7,6 +7,9 @@ struct Options {
     bool help = false;
     bool withSubfolders = true;
     BryString output = L"marks.csv";  // a file, or a folder in which marks.csv is written
+    BryString log;                    // empty for none, as the next
+    BryString modules;
+    bool withTimes = false;
     MarkSettings marks;
     std::vector<BryString> inputs;
 };

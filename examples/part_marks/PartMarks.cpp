@@ -9,18 +9,27 @@
 
 namespace {
 
-// Where the part of a content stands.
-class PartPlace : public BryBalancedTreeEntry {
+// What parts are searched by.
+class PartKey : public BryBalancedTreeEntry {
 public:
-    PartPlace(const BryString& content, std::size_t place) : m_content(content), m_place(place) {}
+    explicit PartKey(const BryString& content) : m_content(content) {}
 
-    std::size_t place() const { return m_place; }
     int compare(const BryBalancedTreeEntry& other) const override {
-        return BryString::compare(static_cast<const PartPlace&>(other).m_content, m_content);
+        return BryString::compare(static_cast<const PartKey&>(other).m_content, m_content);
     }
 
 private:
     BryString m_content;
+};
+
+// Where the part of a content stands.
+class PartPlace : public PartKey, Tracked {
+public:
+    PartPlace(const BryString& content, std::size_t place) : PartKey(content), Tracked(L"PartPlace"), m_place(place) {}
+
+    std::size_t place() const { return m_place; }
+
+private:
     std::size_t m_place;
 };
 
@@ -136,14 +145,15 @@ double MarkedPart::weight() const {
 }
 
 void PartMarks::add(const NcPart& part, const BryString& file) {
-    const PartPlace next(part.content, m_parts.size());
-    const auto* const found = static_cast<const PartPlace*>(m_byContent.search(next));
+    const auto* found = static_cast<const PartPlace*>(m_byContent.search(PartKey(part.content)));
     if (!found) {
+        auto* const added = new PartPlace(part.content, m_parts.size());
+        m_byContent.insert(added);
+        found = added;
         m_parts.emplace_back();
         m_parts.back().part = part;
-        m_byContent.insert(new PartPlace(part.content, next.place()));
     }
-    MarkedPart& same = m_parts[found ? found->place() : next.place()];
+    MarkedPart& same = m_parts[found->place()];
     same.quantity += part.quantity;
     same.files.push_back(file);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "NcPart.h"
+#include "Tracked.h"
 
 #include <roots/containers/BryBalancedTree.h>
 
@@ -38,8 +39,10 @@ struct MarkedPart {
 };
 
 // Cannot be copied, as the tree cannot.
-class PartMarks {
+class PartMarks : Tracked {
 public:
+    PartMarks() : Tracked(L"PartMarks") {}
+
     void add(const NcPart& part, const BryString& file);
 
     // The distinct parts with their marks, in the order of the marks: by prefix, and as they were numbered. Within a

@@ -137,16 +137,17 @@ BryString hundredthsText(double value) {
 
 BryString countText(std::int64_t count) { return BryString(std::to_string(count).c_str()); }
 
+std::string countsText(const std::vector<MarkedPart>& parts, std::size_t errors) {
+    std::size_t filesRead = 0;
+    for (const MarkedPart& part : parts) filesRead += part.files.size();
+    return counted(filesRead, "file", "files") + " read, " +
+           counted(parts.size(), "different part", "different parts") + ", " + counted(errors, "error", "errors");
+}
+
 std::string summaryText(const std::vector<MarkedPart>& parts, std::size_t errors) {
-    std::size_t filesRead = 0, unmarked = 0;
-    for (const MarkedPart& part : parts) {
-        filesRead += part.files.size();
-        unmarked += part.mark.isEmpty() ? 1 : 0;
-    }
-    std::string text = "\n" + marksTable(parts) + totalsTable(parts);
-    text += "  " + counted(filesRead, "file", "files") + " read, " +
-            counted(parts.size(), "different part", "different parts") + ", " + counted(errors, "error", "errors") +
-            "\n";
+    std::size_t unmarked = 0;
+    for (const MarkedPart& part : parts) unmarked += part.mark.isEmpty() ? 1 : 0;
+    std::string text = "\n" + marksTable(parts) + totalsTable(parts) + "  " + countsText(parts, errors) + "\n";
     if (unmarked > 0) text += "  " + counted(unmarked, "part has", "parts have") + " no mark.\n";
     const std::size_t plates = countWeightsPerSquareMetre(parts);
     if (plates > 0)

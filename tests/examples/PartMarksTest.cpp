@@ -1,9 +1,12 @@
 #include "MarksFile.h"
 #include "Options.h"
 #include "Program.h"
+#include "RunLog.h"
 #include "Summary.h"
+#include "Tracked.h"
 #include "Utf8.h"
 
+#include <roots/Version.h>
 #include <tests/support/Printers.h>
 #include <tests/support/TempFolder.h>
 
@@ -218,6 +221,8 @@ TEST(PartMarksOptions, AreTakenOrRefusedWithAReason) {
         {{L"--counter", L"--exclude", L"123456789"}, L"--exclude leaves no digit from 1 to 9"},
         {{L"--counter", L"--type=letter", L"--exclude", L"ABCDEFGHIJKLMNOPQRSTUVWXYZ"}, L"--exclude leaves no letter"},
         {{L"--counter", L"--start=120", L"--exclude=0"}, L"--start 120: --exclude leaves out one of its characters"},
+        {{L"--timing", L"nc"}, L"--timing needs --log"}, {{L"--log="}, L"--log needs a file"},
+        {{L"--modules", std::string(256, 'x').c_str()}, L"--modules: the name has more than 255 characters"},
         {{L"--max", L"0"}, maxRange}, {{L"--max=2147483648"}, maxRange}, {{L"--max=3.0"}, maxRange},
         {{L"--help=no"}, L"unknown option, or one that takes no value: --help"}};
     // clang-format on
@@ -307,4 +312,44 @@ TEST_F(PartMarksRun, LeavesTheOldMarksWhereItFails) {
     EXPECT_TRUE(noLinks || fs::is_symlink("nc/link.csv"));
     EXPECT_EQ(fileBytes("marks.csv").substr(0, heading.size()), heading);
     EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2) << "nothing but the marks and the folder";
+}
+
+TEST_F(PartMarksRun, LogsWhatItReadsFindsAndWrites) {
+    put("nc/good.nc", goodBytes);
+    put("run.log", "old");
+    EXPECT_EQ(run({L"nc", L"none", L"--log", L"run.log", L"--timing", L"--modules=list.txt"}), 1);
+    std::istringstream file(fileBytes("run.log"));
+    std::string log;  // without times
+    for (std::string line; std::getline(file, line, '\r');)
+        log += line.substr(std::min<std::size_t>(line.size(), 12), line.find(" : ") - 12) + "|";
+    EXPECT_EQ(log, std::string("|part_marks with KelRoots ") + bryVersion() +
+                       "|Start = reading|reads nc/good.nc|End = reading|Start = marking|End = marking"
+                       "|none: there is no such file or folder|Start = writing|End = writing|has written marks.csv"
+                       "|1 file read, 1 different part, 1 error|has written list.txt||");
+    RunLog shrunk;
+    EXPECT_TRUE(shrunk.open(L"run.log", false) && shrunk.finish());
+    fs::resize_file("run.log", 0);
+    EXPECT_FALSE(shrunk.finish());
+}
+
+TEST_F(PartMarksRun, LogsOnlyToFilesOfTheirOwn) {
+    put("nc/good.nc", goodBytes);
+    const std::pair<std::vector<BryString>, const char*> rows[] = {
+        {{L"nc", L"--log", L"none/x"}, "none/x: the log cannot be written here\n"},
+        {{L"nc", L"--modules", L".."}, ".: the list of modules cannot be written here\n"},
+        {{L"nc", L"--log=nc\\good.nc. "}, "--log names a part file that is read\n"},
+        {{L"nc", L"--modules=nc/../x", L"-o", L"x"}, "--modules names the same file as --output\n"},
+        {{L"nc", L"--log=./new", L"--modules=new"}, "--modules names the same file as --log\n"}};
+    for (const auto& [arguments, error] : rows)
+        EXPECT_TRUE(run(arguments) == (*error == '-' ? 2 : 1) && m_errors.find(error) < 20) << error << m_errors;
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2) << "nothing but the marks and the folder";
+}
+
+TEST(Tracked, NamesTheObjectsOfARunThatLive) {
+    const PartMarks before;
+    TrackedRun run;
+    { const PartMarks destroyed; }
+    EXPECT_EQ(run.living(), "");
+    const PartMarks living;
+    EXPECT_EQ(run.living().find(" PartMarks\n") != std::string::npos, TrackedRun::isOn);
 }
