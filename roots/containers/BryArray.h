@@ -325,7 +325,7 @@ void BryArray<T, Reallocator, MemoryController>::growToHold(long long count) {
     const long long step = m_growLength > 0 ? (std::min<long long>)(m_growLength, kLongest) : 8;
     const long long rounded = ((count - 1) / step + 1) * step;
     if (rounded > kLongest) throw std::bad_alloc();
-    setPhysicalLength(static_cast<long>(rounded));
+    if (rounded > 0) replaceStorage(static_cast<long>(rounded));
 }
 
 template <class T, class Reallocator, class MemoryController>
@@ -388,12 +388,12 @@ BryArray<T, Reallocator, MemoryController>& BryArray<T, Reallocator, MemoryContr
 template <class T, class Reallocator, class MemoryController>
 BryArray<T, Reallocator, MemoryController>& BryArray<T, Reallocator, MemoryController>::insertAt(long i,
                                                                                                  const T& value) {
-    const T copy(value);  // value may be moved up, or stand in the storage that growing replaces
+    T copy(value);  // value may be moved up, or stand in the storage that growing replaces
     const long end = m_logicalLength;
     growToHold(static_cast<long long>(end) + 1);
     m_logicalLength = end + 1;
     if (i < end) std::copy_backward(m_storage + i, m_storage + end, m_storage + end + 1);
-    m_storage[i] = copy;
+    m_storage[i] = std::move(copy);
     return *this;
 }
 

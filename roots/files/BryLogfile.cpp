@@ -54,7 +54,8 @@ void append(const BryString& file, const BryString& text) {
 
 // ---- one log -------------------------------------------------------------------------------------
 
-BryLogfile::BryLogfile(BryString name) : m_stream(nullptr) { m_name.copy(name, 0, kLongestName); }
+// NOLINTNEXTLINE(performance-unnecessary-value-param): hosts call it with a value of their own
+BryLogfile::BryLogfile(BryString name) : m_name(name.left(kLongestName)), m_stream(nullptr) {}
 BryLogfile::BryLogfile(const BryLogfile& other) = default;
 BryLogfile& BryLogfile::operator=(const BryLogfile& other) = default;
 BryLogfile::~BryLogfile() { assertClose(); }

@@ -120,6 +120,7 @@ wchar_t BryIncrementalCounter::initChar() {
     return text[1] == 0 ? text[0] : text[wide::length(text) - 1];  // mostly there is one
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): derived classes call it with a value of their own
 wchar_t BryIncrementalCounter::incrementAtPosition(wchar_t c, BryString excluded, int& wrapped) {
     return following(c, excluded.getStringW(), wrapped);
 }

@@ -192,9 +192,11 @@ void BryString::getTokens(BryString& text, BryArray<BryString>& tokens, const Br
     getTokens(text, tokens, separators, BryString());
 }
 
-// The first pass counts, so that the array grows once. The text and the sets may stand in it.
+// The first pass counts, so that the array grows once. The text and the sets may stand in it: text is kept by a copy,
+// separators in the tokenizer.
+// NOLINTNEXTLINE(performance-unnecessary-value-param): quotes too
 void BryString::getTokens(BryString& text, BryArray<BryString>& tokens, const BryString& separators, BryString quotes) {
-    const BryString kept(text);
+    const BryString kept(text);  // NOLINT(performance-unnecessary-copy-initialization)
     const Tokenizer tokenizer(kept, separators, quotes);
     tokens.setLogicalLength(0).setLogicalLength(tokenizer.count()).setLogicalLength(0);
     TokenWriter writer(tokens, tokenizer.end());

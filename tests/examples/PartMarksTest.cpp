@@ -179,7 +179,9 @@ TEST(PartMarks, CountsWithoutExcludedCharactersUpToTheLimit) {
         {L"IUI", {false, L"5", {{L"I", L""}}, true, L"", 1}, L"5  U5 "},
         // What the prefix P1 has taken does not count for P.
         {L"UIIIIIIIIIIII", {false, L"", {{L"U", L"P1"}, {L"I", L"P"}}, true, L"", 11},
-         L"P1 P2 P3 P4 P5 P6 P7 P8 P9 P10 P12  P11 "}};
+         L"P1 P2 P3 P4 P5 P6 P7 P8 P9 P10 P12  P11 "},
+        {L"UIIIIIIIIIII", {false, L"", {{L"U", L"P1"}, {L"I", L"P"}}, true, L"0"},
+         L"P1 P2 P3 P4 P5 P6 P7 P8 P9 P12 P13 P11 "}};
     // clang-format on
     for (const auto& row : rows) EXPECT_EQ(marksOf(row.codes, row.settings), row.expected);
     const MarkSettings onlyNine = {false, L"", {}, true, L"012345678"};
@@ -262,10 +264,10 @@ TEST_F(PartMarksRun, ListsThePartsThatTheLimitLeavesWithoutAMark) {
     const char* const lengths[] = {"250.00", "260.00", "270.00"};
     for (const char* length : lengths)
         put(std::string("nc/") + length + ".nc", std::string(goodBytes).replace(goodBytes.find("250.00"), 6, length));
-    EXPECT_EQ(run({L"nc", L"--counter", L"--max", L"1"}), 1);
-    EXPECT_EQ(m_errors, "part_marks: --max 1 reached: prefix B: 2 parts have no mark\n");
+    EXPECT_EQ(run({L"nc", L"--counter", L"--max=01", L"--exclude=B", L"--exclude=1", L"--prefix=B="}), 1);
+    EXPECT_EQ(m_errors, "part_marks: --max 1 reached: prefix \"\": 2 parts have no mark\n");
     const std::string marks = fileBytes("marks.csv");
-    for (const char* line : {"\nB1,FL100x8,B,S355J2,250.00,4", "\n,FL100x8,B,S355J2,270.00,4"})
+    for (const char* line : {"\n2,FL100x8,B,S355J2,250.00,4", "\n,FL100x8,B,S355J2,270.00,4"})
         EXPECT_NE(marks.find(line), std::string::npos) << marks;
 }
 
