@@ -7,13 +7,12 @@
 #include <roots/platform/Win32.h>
 #include <roots/platform/posix/PortableExecutable.h>
 #include <sys/mman.h>
+#include <tests/support/Units.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -23,34 +22,13 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-// The file under a path of its own, as the services of the seam open it.
-class OpenFile {
-public:
-    OpenFile(const Byte* bytes, std::size_t size) : m_descriptor(memfd_create("library", MFD_CLOEXEC)) {
-        require(write(m_descriptor, bytes, size) == static_cast<ssize_t>(size));
-        const std::string path = "/proc/self/fd/" + std::to_string(m_descriptor);
-        m_path.assign(path.c_str(), path.c_str() + path.size() + 1);
-    }
-    ~OpenFile() { close(m_descriptor); }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-
-    const wchar_t* path() const { return m_path.data(); }
-
-private:
-    int m_descriptor;
-    std::vector<wchar_t> m_path;
-};
-
-bool find(const Byte* bytes, std::size_t size, platform::FileRange& found) {
-    int reads = 0;
-    const auto read = [&](std::uint64_t offset, void* to, std::size_t count) {
-        require(++reads < 10000);
-        if (offset > size || count > size - offset) return false;
-        std::memcpy(to, bytes + offset, count);
-        return true;
-    };
-    return platform::findVersionResource(read, found);
+// The block that the services of the seam give for a file under this path.
+std::vector<Byte> blockOf(const std::string& path) {
+    const auto name = units<wchar_t>(path);
+    std::vector<Byte> block(GetFileVersionInfoSizeW(name.data(), nullptr), 0x77);
+    const auto size = static_cast<DWORD>(block.size());
+    require(size == 0 || GetFileVersionInfoW(name.data(), 0, size, block.data()) != FALSE);
+    return block;
 }
 
 // Where a reader of the block finds the file version; the vector ends where the block does.
@@ -66,20 +44,24 @@ void readVersion(const std::vector<Byte>& block) {
 extern "C" int LLVMFuzzerTestOneInput(const Byte* bytes, std::size_t size) {
     const std::vector<Byte> exact(bytes, bytes + size);
     platform::FileRange found;
-    const bool has = find(exact.data(), size, found);
-
-    const OpenFile file(bytes, size);
-    const DWORD blockSize = GetFileVersionInfoSizeW(file.path(), nullptr);
-    require(has == (blockSize != 0));
+    const auto read = [&exact, reads = 0](std::uint64_t offset, void* to, std::size_t count) mutable {
+        require(++reads < 10000);
+        if (offset > exact.size() || count > exact.size() - offset) return false;
+        std::memcpy(to, exact.data() + offset, count);
+        return true;
+    };
+    const bool has = platform::findVersionResource(read, found);
+    const int descriptor = memfd_create("library", MFD_CLOEXEC);
+    require(write(descriptor, bytes, size) == static_cast<ssize_t>(size));
+    const std::vector<Byte> block = blockOf("/proc/self/fd/" + std::to_string(descriptor));
+    close(descriptor);
+    require(has != block.empty());
     if (!has) return 0;
-    std::vector<Byte> block(blockSize, 0x77);
-    require(GetFileVersionInfoW(file.path(), 0, blockSize, block.data()) != FALSE);
 
     require(found.size > 0 && found.size <= 0x10000 && found.offset <= size && found.size <= size - found.offset);
-    require(blockSize >= found.size + 64);
-    const auto rest = std::mismatch(block.begin(), block.begin() + found.size, bytes + found.offset).first;
-    require(std::count(rest, block.end(), 0) == static_cast<std::ptrdiff_t>(blockSize - found.size));
-    require(rest == block.begin() + found.size);
+    require(block.size() >= found.size + 64 && std::memcmp(block.data(), bytes + found.offset, found.size) == 0);
+    const auto rest = block.begin() + found.size;
+    require(std::count(rest, block.end(), 0) == block.end() - rest);
     readVersion(block);
     return 0;
 }

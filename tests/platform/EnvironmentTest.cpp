@@ -23,8 +23,8 @@ std::string both(std::size_t size, Narrow narrowRoutine, Wide wideRoutine) {
     bytes.back() = 0;
     const int error = narrowRoutine(bytes.data(), size);
     EXPECT_EQ(wideRoutine(units.data(), size), error);
-    units[size == 0 || !underWine() ? 399 : size - 1] =
-        0;  // Wine leaves a wide text that it has cut without terminator
+    // Wine leaves a wide text that it has cut without terminator.
+    units[size == 0 || !underWine() ? 399 : size - 1] = 0;
     EXPECT_EQ(narrow(units.data()), bytes.data());
     EXPECT_EQ(bytes[0] == '#', size == 0);
     EXPECT_TRUE(error == 0 || size == 0 || bytes[0] == 0) << error;
@@ -49,13 +49,11 @@ TEST(Dupenv, GivesACopyWhoseNameComparesWithoutCase) {
         {"KelRootsTest", "0 8 HEA 200"}, {"KELROOTSTEST", "0 8 HEA 200"}, {"kelrootstest", "0 8 HEA 200"},
         {"KelRootsTestNone", "0 0 none"}, {"KelRoots", "0 0 none"}, {"", "0 0 none"}};
     // clang-format on
-    for (const auto& [name, answer] : rows) {
-        EXPECT_EQ(duplicate<char>(_dupenv_s, name), answer) << name;
-        EXPECT_EQ(duplicate<wchar_t>(_wdupenv_s, name), answer) << name;
-    }
+    for (const auto& [name, answer] : rows)
+        EXPECT_TRUE(duplicate<char>(_dupenv_s, name) == answer && duplicate<wchar_t>(_wdupenv_s, name) == answer)
+            << name;
     char* copy;
-    EXPECT_EQ(_dupenv_s(nullptr, nullptr, "KelRootsTest"), 22);
-    EXPECT_EQ(_dupenv_s(&copy, nullptr, nullptr), 22);
+    EXPECT_TRUE(_dupenv_s(nullptr, nullptr, "KelRootsTest") == 22 && _dupenv_s(&copy, nullptr, nullptr) == 22);
     if (onWindows) return;  // elsewhere the variables are UTF-8, in several spellings
     setEnvironment("KELROOTSTEST", "\xC3\xA4\xF0\x9F\x98\x81");
     EXPECT_EQ(duplicate<char>(_dupenv_s, "KelRootsTest"), "0 8 HEA 200");
@@ -98,8 +96,7 @@ TEST(SearchEnv, LooksInTheWorkingDirectoryAndThenInEachFolder) {
         EXPECT_EQ(found, row.found) << row.list << ": " << row.file << ' ' << row.size;
     }
     char path[9] = "#";
-    EXPECT_EQ(_searchenv_s(nullptr, "KelRootsPath", path, 9), 22);
-    EXPECT_EQ(_searchenv_s("here.txt", "KelRootsPath", nullptr, 9), 22);
+    EXPECT_TRUE(_searchenv_s(nullptr, "A", path, 9) == 22 && _searchenv_s("here.txt", "A", nullptr, 9) == 22);
 }
 
 TEST(ErrorText, IsThatOfTheWindowsNumberCutToTheSize) {
@@ -114,17 +111,13 @@ TEST(ErrorText, IsThatOfTheWindowsNumberCutToTheSize) {
         {-1, "Unknown error"}, {INT_MIN, "Unknown error"}};
     // clang-format on
     for (const auto& row : rows) {
-        for (const std::size_t size : {std::size_t{399}, row.second.size() + 1, row.second.size(), std::size_t{1}}) {
+        for (const std::size_t size : {std::size_t{399}, row.second.size() + 1, row.second.size(), std::size_t{}}) {
             const auto message = both(
                 size, [&](char* to, std::size_t room) { return strerror_s(to, room, row.first); },
                 [&](wchar_t* to, std::size_t room) { return _wcserror_s(to, room, row.first); });
-            EXPECT_EQ(message, row.second.substr(0, size - 1)) << row.first;
+            EXPECT_EQ(message, size == 0 ? "22" : row.second.substr(0, size - 1)) << row.first;
         }
     }
-    EXPECT_EQ(both(
-                  0, [](char* to, std::size_t) { return strerror_s(to, 0, 2); },
-                  [](wchar_t* to, std::size_t) { return _wcserror_s(to, 0, 2); }),
-              "22");
     EXPECT_EQ(_wcserror_s(nullptr, 9, 2), 22);
 }
 
@@ -143,18 +136,15 @@ TEST(ClockText, NeedsNineElements) {
         date = both(9, _strdate_s, _wstrdate_s);
     } while (now("%x %X") != before);
     EXPECT_EQ(date + ' ' + time, before);
-    for (const std::size_t size : {0u, 1u, 8u}) {
-        EXPECT_EQ(both(size, _strtime_s, _wstrtime_s), "34");
-        EXPECT_EQ(both(size, _strdate_s, _wstrdate_s), "34");
-    }
-    EXPECT_EQ(_strtime_s(nullptr, 9), 22);
-    EXPECT_EQ(_wstrdate_s(nullptr, 0), 22);
+    for (const std::size_t size : {0u, 1u, 8u})
+        EXPECT_EQ(both(size, _strtime_s, _wstrtime_s) + both(size, _strdate_s, _wstrdate_s), "3434") << size;
+    EXPECT_TRUE(_strtime_s(nullptr, 9) == 22 && _wstrdate_s(nullptr, 0) == 22);
 }
 
 TEST(LocalTime, ReachesFrom1970To3000) {
     setEnvironment("TZ", "UTC0");
-    using Fields =
-        std::vector<int>;  // year, month, day, hour, minute, second, weekday, day of the year, daylight saving
+    // Year, month, day, hour, minute, second, weekday, day of the year, daylight saving.
+    using Fields = std::vector<int>;
     const Fields none(9, -1);
     // clang-format off
     const std::pair<__time64_t, Fields> rows[] = {
@@ -165,15 +155,12 @@ TEST(LocalTime, ReachesFrom1970To3000) {
     for (const auto& [seconds, fields] : rows) {
         std::tm t;
         EXPECT_EQ(_localtime64_s(&t, &seconds), fields == none ? 22 : 0) << seconds;
-        EXPECT_EQ(
-            (Fields{t.tm_year, t.tm_mon, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec, t.tm_wday, t.tm_yday, t.tm_isdst}),
-            fields)
-            << seconds;
+        const Fields f = {t.tm_year, t.tm_mon,  t.tm_mday, t.tm_hour, t.tm_min,
+                          t.tm_sec,  t.tm_wday, t.tm_yday, t.tm_isdst};
+        EXPECT_EQ(f, fields) << seconds;
     }
     std::tm t;
-    EXPECT_EQ(_localtime64_s(&t, nullptr), 22);
-    EXPECT_EQ(t.tm_mon, -1);
-    EXPECT_EQ(_localtime64_s(nullptr, &rows[0].first), 22);
+    EXPECT_TRUE(_localtime64_s(&t, nullptr) == 22 && t.tm_mon == -1 && _localtime64_s(nullptr, &rows[0].first) == 22);
 }
 
 TEST(Strftime, HasTheConversionsOfWindows) {
@@ -203,7 +190,7 @@ TEST(Strftime, HasTheConversionsOfWindows) {
     for (const auto& row : rows) {
         std::tm changed = time;
         changed.*row.field = row.value;
-        for (const std::size_t size : {row.text.size() + 1, row.text.size()}) {
+        for (const std::size_t size : {row.text.empty() ? 100 : row.text.size() + 1, row.text.size()}) {
             char to[100] = "#";
             const std::string expected = size > row.text.size() ? row.text : size == 0 ? "#" : "";
             EXPECT_EQ(crt::strftime(to, size, row.format, &changed), size == 0 ? 0 : expected.size()) << row.format;
@@ -211,16 +198,15 @@ TEST(Strftime, HasTheConversionsOfWindows) {
         }
     }
     const std::string known = "aAbBcdHIjmMpSUwWxXyYzZ%";
+    char to[100];
     for (int conversion = 1; conversion < 256; ++conversion) {
-        for (const char* flag : {"%", "%#"}) {
-            char to[100] = "#";
-            const std::string format = std::string("[") + flag + static_cast<char>(conversion);
-            const bool refused = known.find(static_cast<char>(conversion)) == std::string::npos;
+        for (const char* flag : {"[%", "[%#"}) {
+            const std::string format = std::string(flag) + static_cast<char>(conversion);
+            const bool refused = known.find(format.back()) == std::string::npos;
             EXPECT_EQ(crt::strftime(to, sizeof to, format.c_str(), &time) == 0, refused) << format;
             EXPECT_EQ(to[0], refused ? '\0' : '[') << format;
         }
     }
-    char to[9];
     for (const char* format : {"%", "abc%", "%#", "%Ey", "%-d", "%5d", "", static_cast<const char*>(nullptr)})
         EXPECT_EQ(crt::strftime(to, 9, format, &time), 0u) << (format ? format : "null");
     const std::tm* const volatile none = nullptr;

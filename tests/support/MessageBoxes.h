@@ -15,23 +15,18 @@ inline bool hasDisplay() {
     return window != nullptr && DestroyWindow(window);
 }
 
-// Waits up to ten seconds for a message box with this caption and closes it; its text.
-inline BryString closeBox(const wchar_t* caption) {
-    wchar_t text[1000] = L"there was no message box";
-    for (int i = 0; i < 1000; ++i, Sleep(10)) {
-        const HWND box = FindWindowW(L"#32770", caption);
-        if (box == nullptr || !IsWindowVisible(box)) continue;
-        GetDlgItemTextW(box, 0xFFFF, text, sizeof text / sizeof *text);
-        PostMessageW(box, WM_COMMAND, IDOK, 0);
-        break;
-    }
-    return text;
-}
-
+// The text of the box with this caption that the action shows. Waits up to ten seconds for it, and closes it.
 template <class Action>
 BryString shownInBox(const wchar_t* caption, Action action) {
-    BryString text;
-    std::thread user([&] { text = BryString(closeBox(caption).getStringW()); });
+    wchar_t text[1000] = L"there was no message box";
+    std::thread user([&] {
+        HWND box = nullptr;
+        for (int i = 0; i < 1000 && (box == nullptr || !IsWindowVisible(box)); ++i, Sleep(10))
+            box = FindWindowW(L"#32770", caption);
+        if (box == nullptr) return;
+        GetDlgItemTextW(box, 0xFFFF, text, sizeof text / sizeof *text);
+        PostMessageW(box, WM_COMMAND, IDOK, 0);
+    });
     action();
     user.join();
     return text;
@@ -45,9 +40,10 @@ template <class Action>
 BryString shownInBox(const wchar_t* caption, Action action) {
     testing::internal::CaptureStderr();
     action();
-    const BryString shown(testing::internal::GetCapturedStderr().c_str()), before = BryString(caption) + L": ";
-    EXPECT_EQ(shown.left(before.length()), before);
-    return shown.mid(before.length(), shown.length() - before.length() - 1);
+    const BryString shown(testing::internal::GetCapturedStderr().c_str());
+    const int before = BryString(caption).length();
+    EXPECT_EQ(shown.left(before), caption);
+    return shown.mid(before + 2, shown.length() - before - 3);
 }
 
 #endif
