@@ -14,11 +14,10 @@ wchar_t* BryString::BryStringTempBufferWide = new wchar_t[0x80000];
 char* BryString::BryStringTempBuffer = new char[0x80000];
 BryStringRepr* BryString::m_repEmpty = BryStringRepr::make(0);
 
-BryArray<void*, BryArrayObjectCopyReallocator<void*>, BryArrayMemoryController<void*>>
-    BryDebugInterfaces::m_ContextInitiators;
-BryArray<BryDebugInterfaces::DebugInfo, BryArrayObjectCopyReallocator<BryDebugInterfaces::DebugInfo>,
-         BryArrayMemoryController<BryDebugInterfaces::DebugInfo>>
-    BryDebugInterfaces::m_Info;
+// The tables themselves stay: objects that are destroyed last of all still report to them.
+BryDebugInterfaces::Initiators& BryDebugInterfaces::m_ContextInitiators = *new BryDebugInterfaces::Initiators;
+BryDebugInterfaces::Records& BryDebugInterfaces::m_Info = *new BryDebugInterfaces::Records;
+BryDebugInterfaces::CleanUp BryDebugInterfaces::m_cleanUp;
 
 BryString* BryGlobalStorage::g_pAcadSupportPaths = nullptr;
 

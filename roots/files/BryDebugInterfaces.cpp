@@ -3,12 +3,15 @@
 #include <roots/files/BryWinMessage.h>
 
 #include <cstdint>
+#include <vector>
 
 void BryDebugInterfaces::objectConstructed(const BryString& className, void* object) {
     DebugInfo record;
     record.m_pContextInitiator = m_ContextInitiators.isEmpty() ? nullptr : m_ContextInitiators.last();
     record.m_ClassName = className;
     record.m_pObject = object;
+    // Steps of the grow length would take time in proportion to the square of many records.
+    if (m_Info.length() == m_Info.physicalLength()) m_Info.setPhysicalLength(2 * m_Info.length());
     m_Info.append(record);
 }
 
@@ -49,6 +52,11 @@ void BryDebugInterfaces::clearAllDebugInfo(void* initiator) {
 
 int BryDebugInterfaces::entriesNumber() { return static_cast<int>(m_Info.length()); }
 
+BryDebugInterfaces::CleanUp::~CleanUp() {
+    m_ContextInitiators.setPhysicalLength(0);
+    m_Info.setPhysicalLength(0);
+}
+
 template <class Line>
 void BryDebugInterfaces::forEachResult(void* initiator, Line line) {
     bool isFirst = true;
@@ -70,7 +78,10 @@ void BryDebugInterfaces::showResults(void* initiator) {
 }
 
 BryString BryDebugInterfaces::getResults(void* initiator) {
-    BryString report;
-    forEachResult(initiator, [&report](const BryString& line) { report += line; });
-    return report;
+    std::vector<wchar_t> report;
+    forEachResult(initiator, [&report](const BryString& line) {
+        report.insert(report.end(), line.getStringW(), line.getStringW() + line.length());
+    });
+    report.push_back(0);
+    return BryString(report.data());
 }

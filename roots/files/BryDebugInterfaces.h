@@ -56,6 +56,15 @@ private:
     template <class Line>
     static void forEachResult(void* initiator, Line line);
 
-    static BryArray<void*, BryArrayObjectCopyReallocator<void*>, BryArrayMemoryController<void*>> m_ContextInitiators;
-    static BryArray<DebugInfo, BryArrayObjectCopyReallocator<DebugInfo>, BryArrayMemoryController<DebugInfo>> m_Info;
+    using Initiators = BryArray<void*, BryArrayObjectCopyReallocator<void*>, BryArrayMemoryController<void*>>;
+    using Records = BryArray<DebugInfo, BryArrayObjectCopyReallocator<DebugInfo>, BryArrayMemoryController<DebugInfo>>;
+
+    // Empties the tables when the library is unloaded.
+    struct CleanUp {
+        ~CleanUp();
+    };
+
+    static Initiators& m_ContextInitiators;
+    static Records& m_Info;
+    static CleanUp m_cleanUp;
 };

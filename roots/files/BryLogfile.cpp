@@ -1,6 +1,7 @@
 #include <roots/files/BryLogfile.h>
 
 #include <roots/files/BryFileAccess.h>
+#include <roots/platform/WideText.h>
 #include <roots/platform/Win32.h>
 #include <roots/text/BryRuntime.h>
 
@@ -10,43 +11,53 @@
 namespace {
 
 constexpr int kLongestName = 255;
+constexpr int kMostAttempts = 1000;
 
 // Left to itself, the Windows runtime drops a character that its locale lacks and all that follows it.
 BryString withoutForeignCharacters(const BryString& text) {
-    BryString result(text);
     const wchar_t* const units = text.getStringW();
-    for (int i = 0; units[i] != 0; ++i) {
+    std::vector<wchar_t> result(units, units + wide::length(units) + 1);
+    for (wchar_t& unit : result) {
         char bytes[16];
         int count;
-        if (units[i] > 0x7F && wctomb_s(&count, bytes, sizeof bytes, units[i]) != 0) result.replace(units[i], L'?');
+        if (unit > 0x7F && wctomb_s(&count, bytes, sizeof bytes, unit) != 0) unit = L'?';
     }
-    return result;
+    return BryString(result.data());
 }
 
-std::FILE* openForAppending(const BryString& file) {
+// Windows gives the file to one stream at a time, so another process may have to finish first.
+std::FILE* open(const BryString& file, const wchar_t* mode) {
     std::FILE* stream = nullptr;
-    if (bryfopen(&stream, file, L"a+") == 0) crt::lockWhileOpen(stream);
+    for (int attempt = 0; bryfopen(&stream, file, mode) != 0; ++attempt)
+        if (attempt == kMostAttempts || !crt::waitsForOthers()) return nullptr;
     return stream;
 }
 
-// Non-zero as the formatted write has it.
+std::FILE* openForAppending(const BryString& file) {
+    std::FILE* const stream = open(file, L"a+");
+    if (stream != nullptr) crt::lockWhileOpen(stream);
+    return stream;
+}
+
+// Non-zero as the formatted write has it. message is withoutForeignCharacters: nothing throws while the file is open.
 int writeEntry(std::FILE* stream, const wchar_t* format, const BryString& message) {
     wchar_t time[80];
     brywstrtime8(time, sizeof time / sizeof *time);
-    return bryfprintf(stream, format, time, withoutForeignCharacters(message).getStringW());
+    return bryfprintf(stream, format, time, message.getStringW());
 }
 
 BryString targetOf(const BryString& fileName) { return fileName.isEmpty() ? BryString(L"c:\\Norrab.log") : fileName; }
 
 void truncate(const BryString& file) {
-    std::FILE* stream = nullptr;
-    if (bryfopen(&stream, file, L"w") == 0) bryfclose(stream);
+    std::FILE* const stream = open(file, L"w");
+    if (stream != nullptr) bryfclose(stream);
 }
 
 void append(const BryString& file, const BryString& text) {
+    const BryString written = withoutForeignCharacters(text);
     std::FILE* const stream = openForAppending(file);
     if (stream == nullptr) return;
-    bryfprintf(stream, L"%s", withoutForeignCharacters(text).getStringW());
+    bryfprintf(stream, L"%s", written.getStringW());
     bryfclose(stream);
 }
 
@@ -63,15 +74,16 @@ BryLogfile::~BryLogfile() { assertClose(); }
 int BryLogfile::reset() {
     if (!doLogging) return 0;
     assertClose();
-    if (bryfopen(&m_stream, m_name, L"w") != 0) return 0;
+    m_stream = open(m_name, L"w");
     return assertClose();
 }
 
 int BryLogfile::appendWithSave(const BryString& message) {
     if (!doLogging) return 0;
+    const BryString entry = withoutForeignCharacters(message);
     m_stream = openForAppending(m_name);
     if (m_stream == nullptr) return 0;
-    const int written = writeEntry(m_stream, L"[%s] %s", message);
+    const int written = writeEntry(m_stream, L"[%s] %s", entry);
     assertClose();
     return written != 0;
 }
@@ -86,14 +98,14 @@ int BryLogfile::assertClose() {
 // ---- the log of the process ----------------------------------------------------------------------
 
 void BryLogfile::logToFile(const BryString& fileName, const BryString& message) {
-    const BryString target = targetOf(fileName);
+    const BryString target = targetOf(fileName), entry = withoutForeignCharacters(message);
     if (m_isFirstLogToFile) {
         m_isFirstLogToFile = 0;
         truncate(target);
     }
     std::FILE* const stream = openForAppending(target);
     if (stream == nullptr) return;
-    writeEntry(stream, L"\n[%s] %s", message);
+    writeEntry(stream, L"\n[%s] %s", entry);
     bryfclose(stream);
 }
 

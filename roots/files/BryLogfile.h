@@ -8,12 +8,15 @@
 
 // A log file that is open only while an entry is written: when a call returns, its entry is in the file.
 //
-// Logs are 8-bit text in the C runtime's locale (in the "C" locale the byte of a character is its number, up to
-// U+00FF); a character that the locale lacks becomes "?" and the rest follows. A line feed is CR LF on every system.
-// Processes that append to the same file take turns, so no entry is lost or divided.
+// Logs are 8-bit text. In the "C" locale, which is all there is elsewhere than on Windows, the byte of a character is
+// its number, up to U+00FF; a host on Windows that sets another locale gets its code page. A character that has no
+// byte becomes "?", or what the locale thinks nearest, and the rest follows. A line feed is CR LF on every system.
 //
-// The object operations do something only while logging is switched on for the process; it is off at first. Nothing
-// here throws of its own or shows a message. For one thread at a time.
+// Processes that append to the same file take turns, so no entry is lost or divided: one that is halted while it writes
+// holds up the others. A log is a file; a pipe makes a call wait for its reader.
+//
+// The object operations do something only while logging is switched on for the process; it is off at first. Only
+// std::bad_alloc passes through, and nothing shows a message. For one thread at a time.
 class KELROOTS_API BryLogfile {
 public:
     // The file is named by the first 255 characters. Nothing is opened.
@@ -46,7 +49,7 @@ public:
     static void listModules(const BryString& fileName);
 
     // The file version of a program or library, as 8.01.0000.0123. 1, or 0 where the file has none or cannot be read;
-    // version stays then. The name is a path and is not searched for.
+    // version stays then. On Windows a name without a folder is searched for as the system searches for libraries.
     static int GetFileVersion(BryString& fileName, BryString& version);
 
 protected:
@@ -54,9 +57,6 @@ protected:
     int assertClose();
 
 private:
-    int open(const wchar_t* mode);
-    void close();
-
     static int doLogging;
     static int m_isFirstLogToFile;
 

@@ -5,9 +5,9 @@
 #include <roots/files/BryLogfile.h>
 
 // Readings are milliseconds of wall time since the process started, signed 32-bit numbers as is their difference.
-// Entries are BryLogfile's: written only while logging is switched on, and without a line end. One in the label stands
-// where the label stands, before the numbers. A monitor can be started and ended any number of times; one that was
-// never started counts from 0.
+// Entries are BryLogfile's: written only while logging is switched on, and without a line end; a line feed in the label
+// comes before the numbers. A monitor can be started and ended any number of times; one that was never started counts
+// from 0.
 class KELROOTS_API BryPerfMonitor : public BryLogfile {
 public:
     BryPerfMonitor(const BryString& logName = "RavikPerf.LOG");

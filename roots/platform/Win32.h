@@ -87,6 +87,7 @@ enum : DWORD {
     ERROR_SUCCESS = 0,
     ERROR_FILE_NOT_FOUND = 2,
     ERROR_PATH_NOT_FOUND = 3,
+    ERROR_TOO_MANY_OPEN_FILES = 4,
     ERROR_ACCESS_DENIED = 5,
     ERROR_INVALID_HANDLE = 6,
     ERROR_NOT_ENOUGH_MEMORY = 8,
@@ -322,9 +323,10 @@ DWORD GetCurrentProcessId();
 
 // Takes a list of the processes, or of the modules of one (0 is this one); CloseHandle releases it. Here the processes
 // are this one alone, of which the number, the parent's and the file name are told; the only modules are its own, in
-// the order of the dynamic loader: the program first, each with the path by which it was loaded (which opens it again
-// unless it is longer than MAX_PATH - 1 units and cut) and its whole pages in memory. What the kernel lends every
-// process is no file and is left out. INVALID_HANDLE_VALUE for any other kind or process.
+// the order of the dynamic loader: the program first, each with the path by which it was loaded (MAX_PATH - 1
+// units of it; it opens the file as long as that and the working folder stay where they are) and its whole pages in
+// memory. What the kernel lends every process is no file and is left out. INVALID_HANDLE_VALUE for any other kind or
+// process.
 HANDLE CreateToolhelp32Snapshot(DWORD flags, DWORD process);
 
 // The first entry, then one after the other; entry->dwSize is its size. False at the end (ERROR_NO_MORE_FILES; so too
@@ -378,7 +380,12 @@ namespace crt {
 
 // Waits until no other stream of any process holds this lock on the file, and holds it until the stream is closed:
 // processes that append to one file take turns, so that none overwrites or divides what another writes. It keeps nobody
-// from reading or writing who does not ask for it. False where the file cannot be locked, as a device.
+// from reading or writing who does not ask for it. False where the file cannot be locked, as on some network
+// drives.
 bool lockWhileOpen(std::FILE* stream);
+
+// After an open that failed: waits a moment and is true where it failed because another stream has the file for itself,
+// as every stream that Windows opens for writing has. Always false elsewhere.
+bool waitsForOthers();
 
 }  // namespace crt

@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "tests/support/Environment.h"
+#include "tests/support/FailNthAllocation.h"
 #include "tests/support/MessageBoxes.h"
 #include "tests/support/Printers.h"
 #include "tests/support/TempFolder.h"
@@ -55,9 +56,11 @@ TEST_F(BryLogfileTest, AppendsEntriesOnlyWhileLoggingIsOn) {
 
 TEST_F(BryLogfileTest, WritesAnyTextAsTheBytesOfTheLocaleAndGoesOnWhereItCannot) {
     const std::string many(500000, 'x');
+    BryString dashes(many.c_str());
+    dashes.replace(L'x', L'\x2013');
     // clang-format off
     const std::pair<BryString, std::string> rows[] = {
-        {L"", ""}, {L"100%s%n\n\n", "100%s%n\r\n\r\n"}, {L"St\xFCtze \x80", "St\xFCtze \x80"}, {many.c_str(), many},
+        {dashes.getStringW(), std::string(500000, '?')}, {L"", ""}, {L"100%s%n\n\n", "100%s%n\r\n\r\n"}, {L"St\xFCtze \x80", "St\xFCtze \x80"}, {many.c_str(), many},
         {L"\x141\x3000 b\xD83D\xDE00z\xFFFF.", "?? b??z?."}};
     // clang-format on
     BryLogfile file(L"x.log"), cut(BryString(std::string(300, 'n').c_str()));
@@ -70,6 +73,45 @@ TEST_F(BryLogfileTest, WritesAnyTextAsTheBytesOfTheLocaleAndGoesOnWhereItCannot)
     BryLogfile(L"/dev/full").appendWithSave(many.c_str());
     BryLogfile::logToFile(L"/dev/full", L"M");
     BryLogfile::listModules(L"/dev/full");
+}
+
+TEST_F(BryLogfileTest, HoldsNothingBackWhenMemoryIsOut) {
+    SKIP_UNLESS_LIBRARY_MEMORY_IS_SEEN();
+    BryLogfile file(L"x.log");
+    const auto descriptors = [] {
+        const std::filesystem::directory_iterator all("/proc/self/fd");
+        return std::distance(begin(all), end(all));
+    };
+    const auto before = descriptors();
+    const auto logAll = [&] {
+        file.appendWithSave(L"a\x3000 b");  // would wait for ever for one that is still open
+        BryLogfile::logToFile(L"x.log", L"\x3000");
+        BryLogfile::listModules(L"x.log");
+    };
+    logAll();  // what is made once for the process is there
+    const long live = liveAllocations();
+    for (long nth = 1; nth < 200; ++nth) {
+        FailNthAllocation failing(nth);
+        try {
+            logAll();
+        } catch (const std::bad_alloc&) {
+        }
+    }
+    EXPECT_EQ(liveAllocations(), live);
+    EXPECT_EQ(descriptors(), before);
+}
+
+TEST_F(BryLogfileTest, WaitsForWhoHasTheFileForHimself) {
+    BryLogfile file(L"x.log");
+    file.reset();
+    auto held = std::make_unique<HeldFile>(L"x.log");
+    std::thread other([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        held.reset();
+    });
+    EXPECT_EQ(file.appendWithSave(L"A"), 1);
+    other.join();
+    EXPECT_EQ(log("x.log"), "[00:00:00] A");
 }
 
 TEST_F(BryLogfileTest, EmptiesTheFirstFileOfTheProcessOnly) {

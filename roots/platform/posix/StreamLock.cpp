@@ -14,4 +14,6 @@ bool lockWhileOpen(std::FILE* stream) {
     return result == 0;
 }
 
+bool waitsForOthers() { return false; }
+
 }  // namespace crt

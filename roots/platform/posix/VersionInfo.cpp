@@ -28,12 +28,12 @@ public:
 
     // ERROR_SUCCESS, or why there is nothing to read. Waits for nobody, as opening a pipe otherwise would.
     DWORD open(const std::string& path) {
-        m_descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-        if (m_descriptor < 0) return errorOfOpening(path);
         struct stat status;
-        if (fstat(m_descriptor, &status) != 0) return ERROR_ACCESS_DENIED;
+        if (stat(path.c_str(), &status) != 0) return errorOfOpening(path);
         if (S_ISDIR(status.st_mode)) return ERROR_ACCESS_DENIED;
-        return S_ISREG(status.st_mode) ? ERROR_SUCCESS : ERROR_RESOURCE_DATA_NOT_FOUND;
+        if (!S_ISREG(status.st_mode)) return ERROR_RESOURCE_DATA_NOT_FOUND;
+        m_descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+        return m_descriptor < 0 ? errorOfOpening(path) : ERROR_SUCCESS;
     }
 
     bool readAt(std::uint64_t offset, void* to, std::size_t size) const {
@@ -52,6 +52,7 @@ public:
 private:
     static DWORD errorOfOpening(const std::string& path) {
         if (errno == EACCES || errno == EPERM) return ERROR_ACCESS_DENIED;
+        if (errno == EMFILE || errno == ENFILE) return ERROR_TOO_MANY_OPEN_FILES;
         const std::size_t slash = path.rfind('/');
         const bool hasFolder = slash == std::string::npos || access(path.substr(0, slash + 1).c_str(), F_OK) == 0;
         return hasFolder ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;

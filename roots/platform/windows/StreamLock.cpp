@@ -12,4 +12,10 @@ bool lockWhileOpen(std::FILE* stream) {
     return LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &lastByte) != FALSE;
 }
 
+bool waitsForOthers() {
+    if (_doserrno != ERROR_SHARING_VIOLATION) return false;
+    Sleep(1);
+    return true;
+}
+
 }  // namespace crt
