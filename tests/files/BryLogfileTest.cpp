@@ -144,9 +144,12 @@ TEST_F(BryLogfileTest, ListsTheModulesOfThisProcess) {
 }
 
 TEST_F(BryLogfileTest, ReadsTheVersionOfAProgramFile) {
-    writeFile("program", libraryFile({5, 16, 17}, {0, 1, 2}, {0, 9, 0x409}));
+    std::string bytes = libraryFile({5, 16, 17}, {0, 1, 2}, {0, 9, 0x409});
+    writeFile("program", bytes);
+    for (std::size_t at = 0x308 + 2; at < 0x308 + 4 * 92; at += 92) put(bytes, at, 0, 2);
+    writeFile("without a value", bytes);
     writeFile("plain", "MZ");
-    for (const wchar_t* name : {L"program", L"plain", L"none", L"", L"."}) {
+    for (const wchar_t* name : {L"program", L"without a value", L"plain", L"none", L"", L"."}) {
         BryString file(name), version(L"old");
         const BryString expected = file == L"program" ? L"1.01.0000.0123" : L"old";
         EXPECT_EQ(BryLogfile::GetFileVersion(file, version), expected == L"old" ? 0 : 1);
