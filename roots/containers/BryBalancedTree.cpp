@@ -15,9 +15,12 @@ const Entry* BryBalancedTreeEntry::search(const Entry& probe) const {
     const Entry* entry = this;
     while (entry != nullptr) {
         const int where = entry->compare(probe);
-        if (where == 0) return entry;
-        if (where != -1 && where != 1) return nullptr;
-        entry = where < 0 ? entry->m_pLeft : entry->m_pRight;
+        if (where == -1)
+            entry = entry->m_pLeft;
+        else if (where == 1)
+            entry = entry->m_pRight;
+        else
+            return where == 0 ? entry : nullptr;
     }
     return nullptr;
 }

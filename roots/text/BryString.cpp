@@ -117,7 +117,10 @@ void BryString::StringToArr(const BryString& text, Characters& chars) {
 bool BryString::hasSameText(const BryString& other) const { return wide::equal(getStringW(), other.getStringW()); }
 
 int BryString::compare(const BryString& a, const BryString& b) {
-    return a.m_rep == b.m_rep ? 0 : wide::compare(a.getStringW(), b.getStringW());
+    if (a.m_rep == b.m_rep) return 0;
+    const wchar_t first = a[0], other = b[0];
+    if (first != other) return first < other ? -1 : 1;  // mostly, where strings are sorted or searched
+    return wide::compare(a.getStringW(), b.getStringW());
 }
 
 int BryString::compare(const BryString& a, const BryString& b, int n) {
