@@ -63,7 +63,7 @@ private:
     BryBalancedTreeEntry* m_pRight = nullptr;
 };
 
-// An AVL tree: of n entries it is never more than 1.45 log2(n) levels high, and insert, search and remove take one
+// An AVL tree: of n entries it is never more than 1.45 log2(n + 2) levels high, and insert, search and remove take one
 // comparison a level. It owns the entries linked into it and destroys them with delete. It cannot be copied.
 //
 // A key must not change while its entry is in a tree. Not for several threads at once.
