@@ -93,10 +93,17 @@ enum : DWORD {
     ERROR_NOT_ENOUGH_MEMORY = 8,
     ERROR_NO_MORE_FILES = 18,
     ERROR_INVALID_PARAMETER = 87,
+    ERROR_DISK_FULL = 112,
     ERROR_INSUFFICIENT_BUFFER = 122,
     ERROR_INVALID_NAME = 123,
     ERROR_BAD_PATHNAME = 161,
+    ERROR_MORE_DATA = 234,
+    ERROR_NO_MORE_ITEMS = 259,
     ERROR_INVALID_FLAGS = 1004,
+    ERROR_BADDB = 1009,
+    ERROR_REGISTRY_IO_FAILED = 1016,
+    ERROR_NOT_REGISTRY_FILE = 1017,
+    ERROR_KEY_DELETED = 1018,
     ERROR_NO_UNICODE_TRANSLATION = 1113,
     ERROR_INVALID_MSGBOX_STYLE = 1438,
     ERROR_RESOURCE_DATA_NOT_FOUND = 1812,
@@ -351,6 +358,90 @@ DWORD GetFileVersionInfoSizeW(const wchar_t* path, DWORD* handle);
 
 // Fills a block of any size with the start of the resource, or with all of it and zeros. False like the above.
 BOOL GetFileVersionInfoW(const wchar_t* path, DWORD handle, DWORD size, void* block);
+
+// ---- registry (posix/Registry.cpp, RegistryStore.cpp) ---------------------------------------------------------------
+
+// Keys, values and their bytes as Windows keeps them, in one SQLite database: the file in the environment variable
+// KELROOTS_REGISTRY, by default ~/.local/share/norrab/registry.db, made with its folders when something is first
+// written. Any number of processes may use it at once, and each sees what the others have written. What a call answers
+// with ERROR_SUCCESS is on disk: a process killed right after, or a machine without power, loses nothing of it.
+//
+// Paths are separated by backslashes, of which several count as one, and one at the end as none. Names keep their case
+// and compare without it, whatever the locale. A key's name has 1 to 255 units, a value's up to 16383; the default
+// value is named by an empty text or null. Every service answers ERROR_SUCCESS or the error number, and nothing else
+// changes where it fails.
+using LSTATUS = LONG;
+using HKEY = struct HKEY__*;
+using REGSAM = DWORD;
+struct SECURITY_ATTRIBUTES;
+
+// The user's hive, the machine's, and the classes: Software\Classes of both in one, in which the user's keys and values
+// hide the machine's. What is new there is the machine's, unless it stands in a key that the user has.
+#    define HKEY_CLASSES_ROOT (reinterpret_cast<HKEY>(static_cast<std::intptr_t>(INT32_MIN)))
+#    define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(static_cast<std::intptr_t>(INT32_MIN + 1)))
+#    define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(static_cast<std::intptr_t>(INT32_MIN + 2)))
+
+// The rights that matter: to read values, to write them, to make and to list keys.
+enum : REGSAM {
+    KEY_QUERY_VALUE = 1,
+    KEY_SET_VALUE = 2,
+    KEY_CREATE_SUB_KEY = 4,
+    KEY_ENUMERATE_SUB_KEYS = 8,
+    KEY_READ = 0x20019,
+    KEY_WRITE = 0x20006,
+    KEY_ALL_ACCESS = 0xF003F,
+};
+
+enum : DWORD { REG_OPTION_NON_VOLATILE = 0 };
+enum : DWORD { REG_CREATED_NEW_KEY = 1, REG_OPENED_EXISTING_KEY = 2 };
+
+enum : DWORD {
+    REG_NONE = 0,
+    REG_SZ = 1,
+    REG_EXPAND_SZ = 2,
+    REG_BINARY = 3,
+    REG_DWORD = 4,
+    REG_MULTI_SZ = 7,
+    REG_QWORD = 11,
+};
+
+// Opens a key, which must exist. *result is a handle that RegCloseKey releases; opening a hive itself (path empty or
+// null) gives the hive's own.
+KELROOTS_API LSTATUS RegOpenKeyExW(HKEY key, const wchar_t* path, DWORD options, REGSAM access, HKEY* result);
+
+// The same, but makes the key and those above it where they are missing. keyClass and security are not used, options is
+// REG_OPTION_NON_VOLATILE. *disposition (unless null) says whether the key is new.
+KELROOTS_API LSTATUS RegCreateKeyExW(HKEY key, const wchar_t* path, DWORD reserved, wchar_t* keyClass, DWORD options,
+                                     REGSAM access, const SECURITY_ATTRIBUTES* security, HKEY* result,
+                                     DWORD* disposition);
+
+// Releases a handle; the hives' own stay.
+KELROOTS_API LSTATUS RegCloseKey(HKEY key);
+
+// Reads a value. *size is the room in data and becomes the size of the value; where the room is too small, the answer
+// is ERROR_MORE_DATA and data stays as it was. Without data only *size and *type (each unless null) are told.
+KELROOTS_API LSTATUS RegQueryValueExW(HKEY key, const wchar_t* name, DWORD* reserved, DWORD* type, BYTE* data,
+                                      DWORD* size);
+
+// Stores just the size bytes of data under name, with any type. A name that is there keeps its spelling.
+KELROOTS_API LSTATUS RegSetValueExW(HKEY key, const wchar_t* name, DWORD reserved, DWORD type, const BYTE* data,
+                                    DWORD size);
+
+KELROOTS_API LSTATUS RegDeleteValueW(HKEY key, const wchar_t* name);
+
+// Removes the key below key that path names with all that is in it; without a path, all that is in key, which stays.
+// Handles that are open on what is removed answer ERROR_KEY_DELETED from then on.
+KELROOTS_API LSTATUS RegDeleteTreeW(HKEY key, const wchar_t* path);
+
+// The name of a key's subkey number index, counted from 0 in the order of their names, until ERROR_NO_MORE_ITEMS. *size
+// is the room in name with the terminator (else ERROR_MORE_DATA) and becomes the length without it. The class is empty
+// and the time is not kept: keyClass, classSize and written are null.
+KELROOTS_API LSTATUS RegEnumKeyExW(HKEY key, DWORD index, wchar_t* name, DWORD* size, DWORD* reserved,
+                                   wchar_t* keyClass, DWORD* classSize, FILETIME* written);
+
+// The same for a key's values, with type and data as RegQueryValueExW tells them.
+KELROOTS_API LSTATUS RegEnumValueW(HKEY key, DWORD index, wchar_t* name, DWORD* nameSize, DWORD* reserved, DWORD* type,
+                                   BYTE* data, DWORD* size);
 
 // ---- message box (posix/MessageBox.cpp) -----------------------------------------------------------------------------
 
