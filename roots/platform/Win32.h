@@ -97,14 +97,17 @@ enum : DWORD {
     ERROR_INSUFFICIENT_BUFFER = 122,
     ERROR_INVALID_NAME = 123,
     ERROR_BAD_PATHNAME = 161,
+    ERROR_BUSY = 170,
     ERROR_MORE_DATA = 234,
     ERROR_NO_MORE_ITEMS = 259,
+    ERROR_NOACCESS = 998,
     ERROR_INVALID_FLAGS = 1004,
     ERROR_BADDB = 1009,
     ERROR_REGISTRY_IO_FAILED = 1016,
     ERROR_NOT_REGISTRY_FILE = 1017,
     ERROR_KEY_DELETED = 1018,
     ERROR_NO_UNICODE_TRANSLATION = 1113,
+    ERROR_REVISION_MISMATCH = 1306,
     ERROR_INVALID_MSGBOX_STYLE = 1438,
     ERROR_RESOURCE_DATA_NOT_FOUND = 1812,
 };
@@ -375,8 +378,8 @@ using HKEY = struct HKEY__*;
 using REGSAM = DWORD;
 struct SECURITY_ATTRIBUTES;
 
-// The user's hive, the machine's, and the classes: Software\Classes of both in one, in which the user's keys and values
-// hide the machine's. What is new there is the machine's, unless it stands in a key that the user has.
+// The hives of the user and of the machine. The classes are the machine's Software\Classes under a name of their own:
+// what a user has in his Software\Classes does not show there. These keys cannot be removed.
 #    define HKEY_CLASSES_ROOT (reinterpret_cast<HKEY>(static_cast<std::intptr_t>(INT32_MIN)))
 #    define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(static_cast<std::intptr_t>(INT32_MIN + 1)))
 #    define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(static_cast<std::intptr_t>(INT32_MIN + 2)))

@@ -25,12 +25,6 @@ const wchar_t* withoutPrefix(const wchar_t* path) {
     return prefixed ? path + 4 : path;
 }
 
-std::string homeFolder() {
-    if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') return home;
-    const passwd* user = getpwuid(getuid());
-    return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "";
-}
-
 std::string driveFolder(char letter) {
     const std::string variable = std::string("KELROOTS_DRIVE_") + static_cast<char>(letter - 'a' + 'A');
     if (const char* folder = std::getenv(variable.c_str()); folder != nullptr && *folder != '\0') return folder;
@@ -77,13 +71,19 @@ Decoded decode(const unsigned char* text) {
     return {value, static_cast<std::size_t>(trails) + 1};
 }
 
+}  // namespace
+
+std::string homeFolder() {
+    if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') return home;
+    const passwd* user = getpwuid(getuid());
+    return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "";
+}
+
 bool makeFolders(const std::string& path) {
     for (std::size_t at = path.find('/', 1); at != std::string::npos; at = path.find('/', at + 1))
         mkdir(path.substr(0, at).c_str(), 0777);
     return mkdir(path.c_str(), 0777) == 0;
 }
-
-}  // namespace
 
 std::string hostPath(const wchar_t* path) {
     path = withoutPrefix(path);

@@ -24,6 +24,12 @@ bool isImpossiblePath(const wchar_t* path) noexcept;
 // Makes the folder of drive c: where the path is on that drive and the folder is missing. Whether it has made it.
 bool provideDrive(const wchar_t* path);
 
+// Makes a folder and those above it. Whether the folder was not there before.
+bool makeFolders(const std::string& path);
+
+// The folder of the user's files.
+std::string homeFolder();
+
 // A name of this system as wide text in a buffer of size units, cut where it does not fit. Its length.
 std::size_t wideName(const char* name, wchar_t* to, std::size_t size) noexcept;
 
