@@ -58,6 +58,9 @@ AIMS = {
     "tree search": {1000: 1.1, 100000: 2.4, 1000000: 3},
     "getNextNumber": 0.5,
     "log line": 1.3,
+    "read a setting, values in the key": 3,
+    "read a setting of an open key, values in the key": 1.5,
+    "write a setting, values in the key": 1.5,
     "increment, digits": 0.5,
     "increment, letters": 0.5,
 }
