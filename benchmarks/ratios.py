@@ -60,7 +60,7 @@ AIMS = {
     "log line": 1.3,
     "read a setting, values in the key": 3,
     "read a setting of an open key, values in the key": 1.5,
-    "write a setting, values in the key": 1.5,
+    "write a setting, values in the key": 2,
     "increment, digits": 0.5,
     "increment, letters": 0.5,
 }

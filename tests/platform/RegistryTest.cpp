@@ -5,8 +5,7 @@
 
 namespace {
 
-LSTATUS open(HKEY key, const wchar_t* path) {
-    HKEY handle;
+LSTATUS open(HKEY key, const wchar_t* path, HKEY handle = nullptr) {
     const LSTATUS result = RegOpenKeyExW(key, path, 0, KEY_READ, &handle);
     return result == 0 ? RegCloseKey(handle) : result;
 }
@@ -82,7 +81,8 @@ TEST(RegistryPaths, AreNamesBetweenBackslashes) {
     for (const auto& [path, answer] : rows)
         EXPECT_EQ(open(registry.key, path), answer) << (path != nullptr ? narrow(path) : "null");
     EXPECT_EQ(create(registry.key, L"\\a"), 161);
-    EXPECT_EQ(ScratchKey(HKEY_CURRENT_USER, L"").handle, HKEY_CURRENT_USER) << "a hive is its own handle";
+    HKEY hive = nullptr;
+    EXPECT_TRUE(RegOpenKeyExW(HKEY_CURRENT_USER, L"", 0, KEY_READ, &hive) == 0 && hive == HKEY_CURRENT_USER);
     EXPECT_EQ(create(HKEY_CLASSES_ROOT, L"KelRootsTest"), 0);
     EXPECT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\KelRootsTest"), 0);
     const auto name = [](std::size_t length) { return units<wchar_t>(std::string(length, 'n')); };
@@ -107,24 +107,25 @@ TEST(RegistryHandles, HaveTheRightsThatTheyWereOpenedWith) {
 
 TEST(RegistryHandles, LeadNowhereOnceTheyAreClosedOrTheirKeyIsGone) {
     const ScratchRegistry registry;
-    const ScratchKey key(registry.key, L"a\\b");
-    EXPECT_EQ(RegDeleteTreeW(registry.key, L"a") + create(registry.key, L"a\\b"), 0) << "another key's name";
+    const ScratchKey gone(registry.key, L"a\\b");
+    EXPECT_EQ(RegDeleteTreeW(registry.key, L"a") + create(registry.key, L"a\\b"), 0) << "another key of that name";
     for (const LSTATUS error : {1018, 6}) {
-        const HKEY gone = key.handle;
-        EXPECT_TRUE(set(gone, L"v") == error && exists(gone, L"v") == error && RegDeleteValueW(gone, L"v") == error);
-        EXPECT_TRUE(open(gone, L"b") == error && open(gone, L"") == error && create(gone, L"b") == error);
-        EXPECT_EQ(listed(gone, 0), std::to_string(error) + ' ' + std::to_string(error));
-        EXPECT_EQ(RegCloseKey(gone), error == 6 ? 6 : 0);
+        const HKEY key = gone.handle;
+        EXPECT_TRUE(set(key, L"v") == error && exists(key, L"v") == error && RegDeleteValueW(key, L"v") == error);
+        EXPECT_TRUE(open(key, L"b") == error && open(key, L"") == error && create(key, L"b") == error);
+        EXPECT_EQ(listed(key, 0), std::to_string(error) + ' ' + std::to_string(error));
+        EXPECT_EQ(RegCloseKey(key), error == 6 ? 6 : 0);
     }
 }
 
 TEST(RegistryLists, GoThroughTheNamesInOrderAndTreesGoWithAllTheyHold) {
     const ScratchRegistry registry;
-    for (const wchar_t* const name : {L"beta", L"Alpha", L"beta2", L"gamma"})
-        EXPECT_EQ(create(registry.key, name) + set(registry.key, name), 0);
     std::string names;
-    for (DWORD index = 0; index < 5; ++index) names += listed(registry.key, index) + ' ';
-    EXPECT_EQ(names, "Alpha beta beta2 gamma 259 259 ");
+    for (const wchar_t* const name : {L"beta", L"Alpha", L"beta2", L"gamma"}) {
+        EXPECT_EQ(create(registry.key, name) + set(registry.key, name), 0);
+        names = listed(registry.key, 0) + listed(registry.key, 1) + listed(registry.key, 2) + listed(registry.key, 3);
+    }
+    EXPECT_EQ(names + listed(registry.key, 4), "Alphabetabeta2gamma259 259");
     EXPECT_TRUE(listed(registry.key, 0, 5) == "234 234" && listed(registry.key, 0, 6) == "Alpha");
     EXPECT_TRUE(create(registry.key, L"beta\\x") == 0 && RegDeleteTreeW(registry.key, L"BETA") == 0);
     EXPECT_TRUE(open(registry.key, L"beta") == 2 && open(registry.key, L"beta2") == 0) << "not its neighbour";
@@ -138,10 +139,11 @@ TEST(RegistryMemory, RunsOutWithAnErrorNumber) {
     long nth = 0;
     for (bool failed = true; failed;) {
         const FailNthAllocation failing(++nth);
-        LSTATUS result = create(registry.key, L"A key with a name too long for the string itself\\Another one");
-        if (result == 0) result = set(registry.key, L"A value with a name too long for the string itself");
-        if (result == 0) result = RegDeleteTreeW(registry.key, nullptr);
-        EXPECT_EQ(result, (failed = failing.happened()) ? 8 : 0) << nth;
+        const wchar_t* const name = L"A key with a name too long for the string itself\\Another one";
+        LSTATUS result = create(registry.key, name);
+        if (result == 0) result = set(registry.key, name);
+        failed = failing.happened();
+        EXPECT_EQ(result, failed ? 8 : 0) << nth;
     }
     EXPECT_GT(nth, 7);
 }

@@ -44,7 +44,7 @@ TEST(BryRegistryKeys, AreMadeByWritersAndByReadersThatAreToldTo) {
     const BryString path = kPath + L"\\New";
     BryString text = L"D:\\";
     unsigned long number = 5;
-    int signedNumber = 5;
+    int user = 5;
     for (const int create : {0, 1}) {
         EXPECT_EQ(BryRegistry::getRegValue(path, L"v", number, create), 0);
         EXPECT_EQ(BryRegistry::getRegValueCurrentUser(path, L"v", text, create), 0);
@@ -53,15 +53,13 @@ TEST(BryRegistryKeys, AreMadeByWritersAndByReadersThatAreToldTo) {
     }
     EXPECT_EQ(BryRegistry::getRegValueClassesRoot(L"KelRootsTest\\None", L"v", text), 0);
     EXPECT_EQ(BryRegistry::setRegValueCurrentUser(L"\\refused", L"n", -7), 0);
-    for (const int size : {2, 6}) {
-        put(HKEY_LOCAL_MACHINE, path, L"n", "123456", size);
-        EXPECT_EQ(BryRegistry::getRegValue(path, L"n", number, 0), 0) << "a number has 4 bytes";
+    for (const int size : {2, 6, 4}) {
+        put(HKEY_LOCAL_MACHINE, path, L"n", "\xFF\xFF\xFF\xFF\xFF", size);
+        EXPECT_EQ(BryRegistry::getRegValue(path, L"n", number, 0), size == 4) << "a number has 4 bytes";
+        EXPECT_EQ(number, size == 4 ? 0xFFFFFFFF : 5);
     }
-    EXPECT_TRUE(text == L"D:\\" && number == 5);
-    put(HKEY_LOCAL_MACHINE, path, L"n", "\xFF\xFF\xFF\xFF", 4);
-    EXPECT_TRUE(BryRegistry::getRegValue(path, L"n", number, 0) == 1 && number == 0xFFFFFFFF);
-    EXPECT_EQ(BryRegistry::setRegValueCurrentUser(path, L"n", -7), 1);
-    EXPECT_TRUE(BryRegistry::getRegValueCurrentUser(path, L"n", signedNumber, 0) == 1 && signedNumber == -7);
+    EXPECT_TRUE(BryRegistry::setRegValueCurrentUser(path, L"n", -7) == 1 && text == L"D:\\");
+    EXPECT_TRUE(BryRegistry::getRegValueCurrentUser(path, L"n", user, 0) == 1 && user == -7);
     for (const BryString& written : {BryString(L"H\x1F1"), BryString(L"")}) {
         EXPECT_EQ(BryRegistry::setRegValueCurrentUser(path, L"t", written), 1);
         EXPECT_TRUE(BryRegistry::getRegValueCurrentUser(path, L"t", text, 0) == 1 && text == written);
@@ -73,23 +71,22 @@ TEST(BryRegistryApplication, ReadsItsOwnKeys) {
     const ScratchRegistry registry(L"Software\\Ozmira");
     const BryString top = L"Software\\Ozmira\\Norrab\\2009", path = top + L"\\Environment";
     EXPECT_EQ(BryRegistry::getCurrentLanguage(), 9u);
-    const DWORD rows[][3] = {{1036, 0, 12}, {3084, 0, 12},   {9, 3, 25}, {9, 2, 9},
-                             {5, 3, 5},     {1031, 0, 1031}, {0, 3, 0}};
-    for (const auto& row : rows) {
-        put(HKEY_LOCAL_MACHINE, top, L"nLanguage", &row[0], 4);
-        put(HKEY_LOCAL_MACHINE, top, L"nEnglishUK", &row[1], 4);
-        EXPECT_EQ(BryRegistry::getCurrentLanguage(), row[2]) << row[0] << ' ' << row[1];
+    const int rows[][3] = {{1036, 0, 12}, {3084, 0, 12}, {9, 3, 25}, {9, 2, 9}, {5, 3, 5}, {1031, 0, 1031}, {0, 3, 0}};
+    for (const auto& [language, variant, expected] : rows) {
+        put(HKEY_LOCAL_MACHINE, top, L"nLanguage", &language, 4);
+        put(HKEY_LOCAL_MACHINE, top, L"nEnglishUK", &variant, 4);
+        EXPECT_EQ(BryRegistry::getCurrentLanguage(), static_cast<unsigned long>(expected))
+            << language << ' ' << variant;
     }
     EXPECT_TRUE(BryRegistry::getNorrabBinaryPath() == L"" && BryRegistry::getDatabaseConnectionsString(L"Main") == L"");
     put(HKEY_LOCAL_MACHINE, path, L"BinPath", L"C:\\Prog\\\\", 18);
     put(HKEY_LOCAL_MACHINE, path, L"DataPath", L"C:\\All\\\\\\", 18);
     put(HKEY_LOCAL_MACHINE, L"Software\\Ozmira\\DatabaseConnections", L"Main", L"Server=a\\", 18);
-    EXPECT_EQ(BryRegistry::getNorrabBinaryPath(), L"C:\\Prog");
-    EXPECT_EQ(BryRegistry::getNorrabDataPath(), L"C:\\All\\");
+    EXPECT_TRUE(BryRegistry::getNorrabBinaryPath() == L"C:\\Prog" && BryRegistry::getNorrabDataPath() == L"C:\\All\\");
     EXPECT_EQ(BryRegistry::getDatabaseConnectionsString(L"Main"), L"Server=a\\");
-    for (const wchar_t* const own : {L"C:\\Me\\\\", L""}) {
-        EXPECT_EQ(BryRegistry::setRegValueCurrentUser(path, L"DataPath", own), 1);
-        EXPECT_EQ(BryRegistry::getNorrabDataPath(), *own != 0 ? L"C:\\Me\\" : L"");
+    for (const auto& [own, expected] : {std::pair<BryString, BryString>{L"C:\\Me\\\\", L"C:\\Me\\"}, {L"", L""}}) {
+        BryRegistry::setRegValueCurrentUser(path, L"DataPath", own);
+        EXPECT_EQ(BryRegistry::getNorrabDataPath(), expected);
     }
     BryString text;
     int number = 0;

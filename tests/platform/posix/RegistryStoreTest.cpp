@@ -59,7 +59,7 @@ TEST(RegistryStore, HasEveryWriteOfAKilledProcessThatWasAnswered) {
     for (int round = 0; round < 200; ++round) {
         const pid_t writer = inChild([&] {
             for (int n = *answered + 1;; ++n)
-                if (write(registry.key, 0, n, n % 4000u + 1) == 0) *answered = n;
+                if (write(registry.key, 0, n, static_cast<DWORD>(n % 4000 + 1)) == 0) *answered = n;
         });
         for (const auto end = Clock::now() + std::chrono::microseconds(std::rand() % 25000); Clock::now() < end;)
             for (const int least = *answered; read(registry.key) < least;) FAIL() << "while it writes";
