@@ -1,16 +1,9 @@
 // Which files are to be read.
 #pragma once
 
-#include <roots/text/BryString.h>
+#include "Printing.h"
 
 #include <vector>
-
-// What is wrong with a file or folder.
-struct FileProblem {
-    BryString file;
-    int line;  // 0 where the file as a whole is meant
-    BryString reason;
-};
 
 // The files named by inputs, and the files *.nc and *.nc1 (in any case) of the folders named by them, with or without
 // their subfolders, in the order of their names (16-bit units), each once however often it is named. Names are as they

@@ -3,6 +3,7 @@
 #include "MarksFile.h"
 #include "Options.h"
 #include "PartFiles.h"
+#include "Printing.h"
 #include "RunLog.h"
 #include "Summary.h"
 #include "Tracked.h"
@@ -22,14 +23,6 @@ namespace {
 constexpr int allDone = 0;
 constexpr int someFailed = 1;
 constexpr int failed = 2;
-
-void print(std::FILE* stream, const std::string& text) { std::fwrite(text.data(), 1, text.size(), stream); }
-
-// FILE:LINE: REASON
-std::string problemText(const FileProblem& problem) {
-    const std::string line = problem.line > 0 ? ":" + std::to_string(problem.line) : "";
-    return stringToUtf8(problem.file) + line + ": " + stringToUtf8(problem.reason) + "\n";
-}
 
 int usageError(std::FILE* errors, const BryString& error) {
     print(errors, "part_marks: " + stringToUtf8(error) + "\nTry: part_marks --help\n");
@@ -78,7 +71,7 @@ bool mayBeFile(const BryString& file) {
 
 // The status where all that was printed has reached its place.
 int flushed(std::FILE* output, std::FILE* errors, int status) {
-    if (std::fflush(output) == 0 && !std::ferror(output)) return status;
+    if (isFlushed(output)) return status;
     print(errors, "part_marks: not all could be shown (is the disk full?)\n");
     return failed;
 }
@@ -236,7 +229,7 @@ private:
 
 }  // namespace
 
-int runPartMarks(const std::vector<BryString>& arguments, std::FILE* output, std::FILE* errors) {
+int runProgram(const std::vector<BryString>& arguments, std::FILE* output, std::FILE* errors) {
     Options options;
     BryString error;
     if (!parseOptions(arguments, options, error)) return usageError(errors, error);

@@ -75,7 +75,7 @@ protected:
     // The exit status; what is written to the error stream goes to m_errors.
     int run(const std::vector<BryString>& arguments, std::FILE* output) {
         std::FILE* const errors = std::tmpfile();
-        const int status = runPartMarks(arguments, output, errors);
+        const int status = runProgram(arguments, output, errors);
         std::rewind(errors);
         m_errors.clear();
         for (int c; (c = std::getc(errors)) != EOF;) m_errors += static_cast<char>(c);

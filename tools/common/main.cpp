@@ -1,4 +1,4 @@
-// part_marks: gives the parts of a steel structure their marks. See README.md.
+// The way in of every command-line program: the command line as text of the library.
 #include "Program.h"
 #include "Utf8.h"
 
@@ -8,12 +8,12 @@
 
 int wmain(int count, wchar_t** arguments) {
     SetConsoleOutputCP(CP_UTF8);
-    return runPartMarks(std::vector<BryString>(arguments + 1, arguments + count), stdout, stderr);
+    return runProgram(std::vector<BryString>(arguments + 1, arguments + count), stdout, stderr);
 }
 #else
 int main(int count, char** arguments) {
     std::vector<BryString> texts;
     for (int i = 1; i < count; ++i) texts.push_back(utf8ToString(arguments[i]));
-    return runPartMarks(texts, stdout, stderr);
+    return runProgram(texts, stdout, stderr);
 }
 #endif

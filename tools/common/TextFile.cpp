@@ -1,0 +1,118 @@
+#include "TextFile.h"
+
+#include "Utf8.h"
+
+#include <roots/platform/Win32.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Counts what reaches the disk: a stream that is closed does not say whether its last bytes were written.
+class LineWriter {
+public:
+    LineWriter(const BryString& path, BryFileAccess::encodeType encoding)
+        : m_file(path, L"w", encoding), m_isUtf8(encoding == BryFileAccess::encodeUTF8), m_size(m_isUtf8 ? 3 : 2) {}
+
+    bool write(const BryString& line) {
+        const int length = line.length();
+        const auto lineEnds = std::count(line.getStringW(), line.getStringW() + length, L'\n');
+        const int size = m_isUtf8
+                             ? WideCharToMultiByte(CP_UTF8, 0, line.getStringW(), length, nullptr, 0, nullptr, nullptr)
+                             : 2 * length;
+        m_size += static_cast<std::int64_t>(size) + lineEnds * (m_isUtf8 ? 1 : 2);  // a carriage return for each
+        return m_file.puts(line) >= 0;
+    }
+
+    bool close(const BryString& path) {
+        m_file.close();
+        BryFileAccess written(path, L"rb", BryFileAccess::encodeANSI);
+        return written.isOpen() && written.getFileLength() == m_size;
+    }
+
+private:
+    BryFileAccess m_file;
+    bool m_isUtf8;
+    std::int64_t m_size;  // of the mark so far
+};
+
+bool writeLines(const BryString& path, BryFileAccess::encodeType encoding, const std::vector<BryString>& lines) {
+    LineWriter file(path, encoding);
+    const bool isWritten =
+        std::all_of(lines.begin(), lines.end(), [&file](const BryString& line) { return file.write(line); });
+    return file.close(path) && isWritten;
+}
+
+// A name beside path that nothing has yet.
+BryString freeName(const BryString& path, const wchar_t* ending) {
+    BryString name = BryString(path) + ending;
+    for (int i = 2; bryFileExists(name); ++i) name = BryString(path) + ending + BryString::integerToString(i, 10);
+    return name;
+}
+
+// Renaming never replaces, so the old file steps aside, and comes back if the new one cannot take its place.
+bool replaceFile(const BryString& path, const BryString& by) {
+    if (!bryFileExists(path)) return BryFileAccess::renameFile(by, path) == 0;
+    const BryString aside = freeName(path, L".old");
+    if (BryFileAccess::renameFile(path, aside) != 0) return false;
+    if (BryFileAccess::renameFile(by, path) != 0) {
+        BryFileAccess::renameFile(aside, path);
+        return false;
+    }
+    BryFileAccess::removeFile(aside);
+    return true;
+}
+
+// The file itself where the path leads to it over links.
+fs::path linkTarget(const fs::path& path) {
+    std::error_code error;
+    const fs::path target = fs::weakly_canonical(path, error);
+    return error ? path : target;
+}
+
+bool mayBeReplaced(const fs::path& file, BryString& reason) {
+    std::error_code error;
+    const fs::file_status status = fs::symlink_status(file, error);
+    if (!fs::exists(status)) {
+        if (file.has_filename()) return true;
+        reason = L"there is no such folder";
+    } else if (!fs::is_regular_file(status)) {
+        reason = fs::is_directory(status) ? L"a folder" : L"not a file";
+    } else if ((status.permissions() & fs::perms::owner_write) == fs::perms::none) {
+        reason = L"cannot be replaced (it is read-only)";
+    } else {
+        return true;
+    }
+    return false;
+}
+
+bool takePermissions(const fs::path& from, const fs::path& to) {
+    std::error_code error;
+    const fs::file_status old = fs::status(from, error);
+    if (!fs::exists(old)) return true;
+    fs::permissions(to, old.permissions(), error);
+    return !error;
+}
+
+}  // namespace
+
+bool writeTextFile(const BryString& output, BryFileAccess::encodeType encoding, const std::vector<BryString>& lines,
+                   BryString& reason) {
+    const fs::path file = linkTarget(toPath(output));
+    if (!mayBeReplaced(file, reason)) return false;
+    const BryString path = toText(file);
+    const BryString incomplete = freeName(path, L".new");
+    if (!writeLines(incomplete, encoding, lines) || !takePermissions(file, toPath(incomplete))) {
+        reason = bryFileExists(incomplete) ? L"cannot be written (is the disk full?)" : L"cannot be written here";
+        BryFileAccess::removeFile(incomplete);
+        return false;
+    }
+    if (replaceFile(path, incomplete)) return true;
+    BryFileAccess::removeFile(incomplete);
+    reason = L"cannot be replaced (is it open in another program?)";
+    return false;
+}
