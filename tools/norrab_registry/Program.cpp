@@ -156,8 +156,8 @@ private:
             std::size_t count;
             const LSTATUS error = writeEntries(entries[i], count);
             if (error == ERROR_SUCCESS) continue;
-            print(m_errors, FileProblem{m_options.files[i], entries[i][count].line,
-                                        errorText(error) + L"; what stands before it is imported"});
+            print(m_errors, problemText({m_options.files[i], entries[i][count].line,
+                                         errorText(error) + L"; what stands before it is imported"}));
             return failed;
         }
         return done;
@@ -168,7 +168,7 @@ private:
         BryString reason;
         std::string bytes;
         if (readBytes(file, bytes, reason) && parseRegFile(bytes, entries, line, reason)) return true;
-        print(m_errors, FileProblem{file, line, reason});
+        print(m_errors, problemText({file, line, reason}));
         return false;
     }
 
@@ -204,7 +204,7 @@ private:
         return report(m_options.key + (name.isEmpty() ? BryString() : BryString(L", ") + name), errorText(error));
     }
     int report(const BryString& subject, const BryString& reason) {
-        print(m_errors, FileProblem{subject, 0, reason});
+        print(m_errors, problemText({subject, 0, reason}));
         return failed;
     }
 
