@@ -1,5 +1,7 @@
 #include "Options.h"
 
+#include "Settings.h"
+
 const char* const helpText =
     R"(Usage: part_marks [options] FOLDER|FILE...
 
@@ -7,13 +9,14 @@ Reads DSTV NC part files, finds the parts that are physically the same, gives
 each distinct part one mark, and writes the list of marks to marks.csv.
 
 Options
-  -o, --output FILE|FOLDER  where the list goes; ./marks.csv unless given
+  -o, --output FILE|FOLDER  where the list goes; unless given, marks.csv in the
+                            saved folder, or here where none is saved
       --type numeric|letter marks count 1, 2, 3 ... (the default) or A, B, C ...
       --start VALUE         the first number or letters of every prefix: 1 or A
                             unless given; 001 gives 001, 002 ...
       --prefix CODE=TEXT    what marks of the profile code CODE begin with; may
-                            be given for several codes. Unless given it is the
-                            code: I1, I2, U1 ...
+                            be given for several codes. Unless given it is what
+                            was saved for the code, or the code: I1, I2, U1 ...
       --counter             the same marks, made by the library's incremental
                             counter, which the next two options need
       --exclude CHARS       digits and letters A to Z that marks lack: with IO,
@@ -21,6 +24,10 @@ Options
                             --start must not. May be given several times
       --max N               at most N marks a prefix, from 1 to 2147483647; the
                             parts beyond have no mark
+      --save                keeps the --type, --start, --prefix and --output
+                            (a folder) of this command line for later ones that
+                            do not give them. FOLDER|FILE may be left out
+      --no-settings         as if nothing had been saved
       --no-subfolders       only the files of the folders themselves
       --log FILE            what is read, what is wrong with it and what comes
                             out of it, also into this file
@@ -67,6 +74,13 @@ Log and modules
   a ? in both. Neither may be a file that is read or written otherwise; if one
   cannot be written, a line on the error stream says so and the rest is done.
 
+Settings
+  What --save keeps is in the registry: below current user, the key
+  Software\Ozmira\Norrab\2009\Data\PartMarks has Type, Start and, in its key
+  Prefixes, a value for each profile code; the folder is the value DataPath of
+  Software\Ozmira\Norrab\2009\Environment, which the local machine may have for
+  all users. A saved start counts only for the type it was saved with.
+
 Exit status
   0  all done
   1  done, but some files or folders could not be read or are no part files;
@@ -88,7 +102,9 @@ public:
             if (!takeArgument(m_arguments[m_next++])) return false;
         if (m_options.help) return true;
         if (m_options.withTimes && m_options.log.isEmpty()) return fail(L"--timing needs --log");
+        if (m_options.withSettings && !addSavedOptions(m_options, m_error)) return false;
         if (!checkMarks()) return false;
+        if (m_options.save) return checkSave();
         return !m_options.inputs.empty() || fail(L"no folder and no file is given");
     }
 
@@ -122,6 +138,8 @@ private:
         if (name == L"--modules") return takeValue(name) && takeFile(name, m_options.modules);
         if (m_hasValue) return fail(BryString(L"unknown option, or one that takes no value: ") + name);
         if (name == L"--no-subfolders") return takeFlag(m_options.withSubfolders, false);
+        if (name == L"--save") return takeFlag(m_options.save, true);
+        if (name == L"--no-settings") return takeFlag(m_options.withSettings, false);
         if (name == L"--timing") return takeFlag(m_options.withTimes, true);
         if (name == L"--counter") return takeFlag(m_options.marks.withCounter, true);
         if (name == L"--help" || name == L"-h") return takeFlag(m_options.help, true);
@@ -144,6 +162,7 @@ private:
 
     bool takeOutput() {
         m_options.output = m_value;
+        m_options.hasOutput = true;
         return !m_value.isEmpty() || fail(L"--output needs a file or a folder");
     }
 
@@ -156,11 +175,13 @@ private:
 
     bool takeType() {
         m_options.marks.letters = m_value == L"letter";
+        m_options.hasType = true;
         return m_options.marks.letters || m_value == L"numeric" || fail(L"--type is numeric or letter");
     }
 
     bool takeStart() {
         m_options.marks.start = m_value;
+        m_options.hasStart = true;
         return !m_value.isEmpty() || fail(L"--start needs a number or letters");
     }
 
@@ -198,11 +219,15 @@ private:
         if (!marks.withCounter && marks.limit >= 0) return fail(L"--max needs --counter");
         if (!marks.leavesSymbols())
             return fail(marks.letters ? L"--exclude leaves no letter" : L"--exclude leaves no digit from 1 to 9");
+        const BryString start = BryString(m_options.hasStart ? L"--start " : L"the saved start ") + marks.start;
         if (!marks.isStartValid())
-            return fail(BryString(L"--start ") + marks.start +
-                        (marks.letters ? L": letters are A to Z" : L": a number has digits only"));
-        return !marks.hasExcluded(marks.start) ||
-               fail(BryString(L"--start ") + marks.start + L": --exclude leaves out one of its characters");
+            return fail(start + (marks.letters ? L": letters are A to Z" : L": a number has digits only"));
+        return !marks.hasExcluded(marks.start) || fail(start + L": --exclude leaves out one of its characters");
+    }
+
+    bool checkSave() {
+        return m_options.hasOutput || m_options.hasType || m_options.hasStart || !m_options.marks.prefix.empty() ||
+               fail(L"--save needs --output, --type, --start or --prefix");
     }
 
     bool fail(const BryString& error) {

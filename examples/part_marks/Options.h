@@ -6,8 +6,11 @@
 struct Options {
     bool help = false;
     bool withSubfolders = true;
-    BryString output = L"marks.csv";  // a file, or a folder in which marks.csv is written
-    BryString log;                    // empty for none, as the next
+    bool withSettings = true;  // whether what was saved counts
+    bool save = false;
+    bool hasOutput = false, hasType = false, hasStart = false;  // whether the command line gives them
+    BryString output;                                           // a file, or a folder for marks.csv; empty for here
+    BryString log;                                              // empty for none, as the next
     BryString modules;
     bool withTimes = false;
     MarkSettings marks;

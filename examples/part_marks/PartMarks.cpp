@@ -158,6 +158,12 @@ void PartMarks::add(const NcPart& part, const BryString& file) {
     same.files.push_back(file);
 }
 
+std::set<BryString> PartMarks::codes() const {
+    std::set<BryString> codes;
+    for (const MarkedPart& part : m_parts) codes.insert(part.part.code);
+    return codes;
+}
+
 std::vector<MarkedPart> PartMarks::mark(const MarkSettings& settings) const {
     std::vector<MarkedPart> marked = m_parts;
     Creators creators(settings);

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <vector>
 
 // How marks are made: a prefix for each profile code, and behind it a number or letters, counted for each prefix alone.
@@ -44,6 +45,9 @@ public:
     PartMarks() : Tracked(L"PartMarks") {}
 
     void add(const NcPart& part, const BryString& file);
+
+    // The profile codes of the parts.
+    std::set<BryString> codes() const;
 
     // The distinct parts with their marks, in the order of the marks: by prefix, and as they were numbered. Within a
     // prefix they are numbered as they were first added. No mark is given twice: one that another prefix has led to

@@ -5,6 +5,7 @@
 #include "PartFiles.h"
 #include "Printing.h"
 #include "RunLog.h"
+#include "Settings.h"
 #include "Summary.h"
 #include "Tracked.h"
 #include "Utf8.h"
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
 #include <system_error>
 
 namespace fs = std::filesystem;
@@ -37,6 +39,7 @@ BryString fileName(BryString name) {
 }
 
 BryString outputFile(BryString output) {
+    if (output.isEmpty()) return L"marks.csv";
     output.replace(BryString(L"\\"), L"/");
     std::error_code error;
     if (fs::is_directory(toPath(output), error)) return toText(toPath(output) / "marks.csv");
@@ -152,7 +155,7 @@ private:
         readParts(read);
         m_log.end(L"reading");
         m_log.start(L"marking");
-        const std::vector<MarkedPart> parts = read.mark(m_options.marks);
+        const std::vector<MarkedPart> parts = read.mark(withSavedPrefixes(read.codes()));
         m_log.end(L"marking");
 
         for (const FileProblem& problem : m_problems) tell(problemText(problem));
@@ -180,6 +183,15 @@ private:
             else
                 m_problems.push_back({file, error.line, error.reason});
         }
+    }
+
+    MarkSettings withSavedPrefixes(const std::set<BryString>& codes) const {
+        MarkSettings marks = m_options.marks;
+        BryString prefix;
+        for (const BryString& code : codes)
+            if (m_options.withSettings && marks.prefix.count(code) == 0 && savedPrefix(code, prefix))
+                marks.prefix[code] = prefix;
+        return marks;
     }
 
     bool writeMarks(const std::vector<MarkedPart>& parts) {
@@ -236,6 +248,10 @@ int runProgram(const std::vector<BryString>& arguments, std::FILE* output, std::
     if (options.help) {
         print(output, helpText);
         return flushed(output, errors, allDone);
+    }
+    if (options.save) {
+        if (!saveOptions(options, error)) return usageError(errors, error);
+        if (options.inputs.empty()) return allDone;
     }
     TrackedRun tracked;
     const int status = Run(options, output, errors).run();

@@ -7,8 +7,10 @@
 #include "Utf8.h"
 
 #include <roots/Version.h>
+#include <roots/settings/BryRegistry.h>
+#include <tests/support/Platform.h>
 #include <tests/support/Printers.h>
-#include <tests/support/TempFolder.h>
+#include <tests/support/ScratchRegistry.h>
 
 #include <gtest/gtest.h>
 
@@ -73,8 +75,9 @@ protected:
     int run(const std::vector<BryString>& arguments) { return run(arguments, std::tmpfile()); }
 
     // The exit status; what is written to the error stream goes to m_errors.
-    int run(const std::vector<BryString>& arguments, std::FILE* output) {
+    int run(std::vector<BryString> arguments, std::FILE* output) {
         std::FILE* const errors = std::tmpfile();
+        if (!m_withSettings) arguments.insert(arguments.begin(), L"--no-settings");
         const int status = runProgram(arguments, output, errors);
         std::rewind(errors);
         m_errors.clear();
@@ -86,6 +89,7 @@ protected:
 
     TempFolder m_folder;
     std::string m_errors;
+    bool m_withSettings = false;
 };
 
 const std::string goodBytes = joined(goodLines).getStringA();
@@ -228,7 +232,8 @@ TEST(PartMarksOptions, AreTakenOrRefusedWithAReason) {
         {{L"--max", L"0"}, maxRange}, {{L"--max=2147483648"}, maxRange}, {{L"--max=3.0"}, maxRange},
         {{L"--help=no"}, L"unknown option, or one that takes no value: --help"}};
     // clang-format on
-    for (const auto& [arguments, expected] : rows) {
+    for (auto [arguments, expected] : rows) {
+        arguments.insert(arguments.begin(), L"--no-settings");
         Options options;
         BryString error;
         EXPECT_EQ(parseOptions(arguments, options, error), *expected == 0) << stringToUtf8(expected);
@@ -314,6 +319,41 @@ TEST_F(PartMarksRun, LeavesTheOldMarksWhereItFails) {
     EXPECT_TRUE(noLinks || fs::is_symlink("nc/link.csv"));
     EXPECT_EQ(fileBytes("marks.csv").substr(0, heading.size()), heading);
     EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2) << "nothing but the marks and the folder";
+}
+
+TEST_F(PartMarksRun, TakesWhatWasSavedWhereTheCommandLineLeavesItOpen) {
+    if (onWindows && !underWine()) GTEST_SKIP() << "the settings may be somebody's";
+    const ScratchRegistry registry(L"Software\\Ozmira");  // a folder of its own too
+    for (const char* folder : {"nc", "saved"}) fs::create_directory(folder);
+    put("nc/good.nc", goodBytes);
+    m_withSettings = true;
+    const std::vector<BryString> save = {L"--save", L"--type=letter", L"--start=Q", L"--prefix=B=Bar ",
+                                         L"-o",     L"saved"};
+    const struct {
+        std::vector<BryString> arguments;
+        const char *file, *start;
+        int status;
+    } rows[] = {{{L"nc"}, "marks.csv", "B1,", 0},
+                {save, "", "", 0},
+                {{L"--save", L"--output=saved/none"}, "", "", 2},
+                {{L"nc"}, "saved/marks.csv", "Bar Q,", 0},
+                {{L"nc", L"--type", L"numeric"}, "saved/marks.csv", "Bar 1,", 0},
+                {{L"nc", L"--start=R", L"--prefix=B=", L"--output=saved/own"}, "saved/own", "R,", 0},
+                {{L"nc", L"--no-settings"}, "marks.csv", "B1,", 0},
+                {{L"nc", L"--start", L"7"}, "", "", 2},
+                {{L"nc", L"--counter", L"--exclude=Q"}, "", "", 2},
+                {{L"--save"}, "", "", 2},
+                {{L"--save", L"--prefix", BryString(L"B=") + std::string(3000, 'x').c_str()}, "", "", 2},
+                {{L"--save", L"--start=5", L"--type=numeric"}, "", "", 0},
+                {{L"nc"}, "saved/marks.csv", "Bar 5,", 0}};
+    for (const auto& row : rows) {
+        fs::remove("marks.csv"), fs::remove("saved/marks.csv");
+        EXPECT_EQ(run(row.arguments), row.status) << m_errors;
+        EXPECT_EQ(*row.file ? fileBytes(row.file).substr(0, heading.size() + std::strlen(row.start)) : "",
+                  *row.file ? heading + row.start : "");
+    }
+    const BryString folder = utf8ToString(fs::absolute("saved").u8string());
+    EXPECT_EQ(toText(toPath(BryRegistry::getNorrabDataPath())), toText(toPath(folder)));
 }
 
 TEST_F(PartMarksRun, LogsWhatItReadsFindsAndWrites) {

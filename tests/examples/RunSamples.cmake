@@ -1,7 +1,7 @@
 # Runs PROGRAM in the folder SAMPLES; OUTPUT must become what SAMPLES/expected/marks.csv is, byte for byte.
 set(ENV{KELROOTS_ANSI_CODE_PAGE} 1252)   # the encoding of the samples
 file(REMOVE ${OUTPUT})
-execute_process(COMMAND ${PROGRAM} --output ${OUTPUT} . WORKING_DIRECTORY ${SAMPLES} RESULT_VARIABLE status)
+execute_process(COMMAND ${PROGRAM} --no-settings --output ${OUTPUT} . WORKING_DIRECTORY ${SAMPLES} RESULT_VARIABLE status)
 if(NOT status EQUAL 0)
     message(FATAL_ERROR "part_marks ended with ${status}")
 endif()

@@ -354,14 +354,15 @@ bool hasHalfPair(const wchar_t* text, std::size_t length) {
     return false;
 }
 
-// Whether the text between quotes says it all.
+// Whether quotes can hold the text. That a text is stored without its closing zero, as programs on Linux do it, is not
+// worth bytes that nobody can read.
 bool isQuotable(const RegEntry& entry) {
-    if (entry.type != REG_SZ || entry.data.size() < 2 || entry.data.size() % 2 != 0) return false;
+    if (entry.type != REG_SZ || entry.data.size() % 2 != 0) return false;
     const std::vector<wchar_t> units = unitsOf(entry.data);
-    const std::size_t length = units.size() - 2;  // without the terminator and the zero behind it
-    const auto end = units.begin() + static_cast<std::ptrdiff_t>(length);
-    return *end == 0 && std::none_of(units.begin(), end, [](wchar_t c) { return c == 0 || isLineEnd(c); }) &&
-           !hasHalfPair(units.data(), length);
+    const auto isEnd = [](wchar_t c) { return c == 0 || isLineEnd(c); };
+    const auto end = std::find_if(units.begin(), units.end(), isEnd);
+    return *end == 0 && units.end() - end <= 2 &&
+           !hasHalfPair(units.data(), static_cast<std::size_t>(end - units.begin()));
 }
 
 class Line {

@@ -42,8 +42,8 @@ struct RegEntry {
 bool parseRegFile(const std::string& bytes, std::vector<RegEntry>& entries, int& line, BryString& reason);
 
 // The lines of a file of version 5.00, each with a line feed at its end. Reading them gives the same entries, whatever
-// bytes the values have: a text without its terminator, with further zeros, ends of lines or half a surrogate pair is
-// written as hex(1). False with a reason where the name of a key has an end of line, or where with utf8 a name has half
+// bytes the values have: a text with further zeros, ends of lines or half a surrogate pair is written as hex(1). Only
+// the closing zero that a text lacks, as those that programs on Linux store, is added by reading. False with a reason where the name of a key has an end of line, or where with utf8 a name has half
 // a surrogate pair, which that encoding cannot express.
 bool makeRegFile(const std::vector<RegEntry>& entries, bool utf8, std::vector<BryString>& lines, BryString& reason);
 
