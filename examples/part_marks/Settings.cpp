@@ -36,13 +36,14 @@ bool saveFolder(const BryString& output, BryString& error) {
 
 bool addSavedOptions(Options& options, BryString& error) {
     BryString type;
-    const bool isLetters = BryRegistry::getData(kMarks, L"Type", type) && type == L"letter";
-    if (!isLetters && !type.isEmpty() && type != L"numeric") {
+    BryRegistry::getData(kMarks, L"Type", type);
+    const bool isLetters = type == L"letter", isNumeric = type.isEmpty() || type == L"numeric";
+    if (!options.hasType && !isLetters && !isNumeric) {
         error = BryString(L"the saved type is numeric or letter, not ") + type;
         return false;
     }
     if (!options.hasType) options.marks.letters = isLetters;
-    if (!options.hasStart && options.marks.letters == isLetters)
+    if (!options.hasStart && (options.marks.letters ? isLetters : isNumeric))
         BryRegistry::getData(kMarks, L"Start", options.marks.start);
     if (options.output.isEmpty()) {
         const BryString folder = BryRegistry::getNorrabDataPath();
