@@ -175,7 +175,7 @@ private:
     static bool readBytes(const BryString& path, std::string& bytes, BryString& reason) {
         BryFileAccess file(path, L"rb", BryFileAccess::encodeANSI);
         const long size = file.getFileLength();
-        reason = !file.isOpen() ? L"cannot be opened" : L"too large for a registry file (2 GB and more)";
+        reason = !file.isOpen() ? L"cannot be opened" : L"not a file, or one of 2 GB and more";
         if (!file.isOpen() || size < 0) return false;
         bytes.resize(static_cast<std::size_t>(size));
         reason = L"cannot be read to its end";
