@@ -101,6 +101,7 @@ TEST(RegFile, NamesLineAndReasonOfDamage) {
         {"[HKCU\\a", "3: a key without ] at its end"},
         {"[HKU\\a]", "3: a key begins with HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER or HKEY_CLASSES_ROOT"},
         {"[HKCU\\" + repeated("k", 256) + "]", "3: the name of a key is longer than 255 characters"},
+        {"[HKCU" + repeated("\\k", 513) + "]", "3: a key is more than 512 levels deep"},
         {"x", "3: neither a [key], a \"name\"=value nor a ; comment"},
         {"[HKCU]\n\"a=\"b\"", "4: no = behind the name of a value"},
         {"[HKCU]\n\"a\n\"", "4: no quote at the end of the name"},

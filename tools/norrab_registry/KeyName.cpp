@@ -3,6 +3,7 @@
 namespace {
 
 constexpr int longestKeyName = 255;
+constexpr long deepestKey = 512;
 
 const struct {
     const wchar_t *name, *shortName;
@@ -26,6 +27,10 @@ bool readKeyName(const BryString& text, BryString& name, BryString& reason) {
                 name = hive.name;
     if (name.isEmpty()) {
         reason = L"a key begins with HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER or HKEY_CLASSES_ROOT";
+        return false;
+    }
+    if (parts.length() - 1 > deepestKey) {
+        reason = L"a key is more than 512 levels deep";
         return false;
     }
     for (long i = 1; i < parts.length(); ++i) {

@@ -24,6 +24,7 @@ using platform::RegistryStore;
 using platform::Statement;
 
 constexpr std::size_t kLongestKeyName = 255, kLongestValueName = 16383;
+constexpr int kDeepestKey = 512;
 
 struct OpenKey {
     KeyId id;
@@ -238,6 +239,7 @@ LSTATUS RegCreateKeyExW(HKEY key, const wchar_t* path, DWORD reserved, wchar_t*,
         *result = hive(key) == &base && whole == base.path ? key : openBelow(base, whole, access);
         if (disposition != nullptr) *disposition = *result != nullptr ? REG_OPENED_EXISTING_KEY : REG_CREATED_NEW_KEY;
         if (*result != nullptr) return;
+        refuseUnless(std::count(whole.begin(), whole.end(), '\\') <= kDeepestKey);
         addKeys(base, path);
         *result = openBelow(base, whole, access);
         refuseUnless(*result != nullptr, ERROR_KEY_DELETED);  // another process was quick
