@@ -36,7 +36,7 @@ TEST(RegistryValue, IsReadWithItsTypeWhereItFits) {
         {REG_SZ, 4, 3, 234, "......."}, {REG_SZ, 4, 0, 234, "......."}, {REG_SZ, 4, 5, 0, bytes("a\0b\0...")},
         {REG_SZ, 4, 6, 0, bytes("a\0b\0\0\0.")}, {REG_EXPAND_SZ, 4, 7, 0, bytes("a\0b\0\0\0.")},
         {REG_MULTI_SZ, 4, 7, 0, bytes("a\0b\0\0\0.")}, {REG_BINARY, 4, 7, 0, bytes("a\0b\0...")},
-        {REG_SZ, 5, 7, 0, bytes("a\0b\0#\0\0")}, {REG_NONE, 0, 0, 0, "......."}, {0xFFFFFFFF, 1, 7, 0, "a......"}};
+        {REG_SZ, 5, 7, 0, bytes("a\0b\0#\0\0")}, {REG_SZ, 0, 7, 0, "......."}, {0xFFFFFFFF, 1, 7, 0, "a......"}};
     // clang-format on
     DWORD type, size;
     for (const auto& row : rows) {

@@ -192,8 +192,8 @@ void addKeys(const OpenKey& key, const wchar_t* path) {
 
 bool isText(std::int64_t type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
 
-// Tells a value that is the current row of found: its type, then its data. A text is followed by a zero where there is
-// room for one.
+// Tells a value that is the current row of found: its type, then its data. A text that does not end with a zero is
+// followed by one where there is room for it; an empty value is not.
 void tellValue(Statement& found, DWORD* type, BYTE* data, DWORD* size) {
     const Bytes bytes = found.bytes(1);
     const DWORD room = size != nullptr ? *size : 0;
@@ -201,8 +201,9 @@ void tellValue(Statement& found, DWORD* type, BYTE* data, DWORD* size) {
     if (size != nullptr) *size = static_cast<DWORD>(bytes.size);
     if (data == nullptr) return;
     refuseUnless(bytes.size <= room, ERROR_MORE_DATA);
-    std::copy_n(static_cast<const BYTE*>(bytes.data), bytes.size, data);
-    if (isText(found.number(0)) && room - bytes.size >= sizeof(wchar_t))
+    const BYTE* const end = std::copy_n(static_cast<const BYTE*>(bytes.data), bytes.size, data);
+    const bool isEnded = bytes.size == 0 || (bytes.size >= 2 && end[-1] == 0 && end[-2] == 0);
+    if (isText(found.number(0)) && !isEnded && room - bytes.size >= sizeof(wchar_t))
         std::fill_n(data + bytes.size, sizeof(wchar_t), BYTE{0});
 }
 
