@@ -163,7 +163,7 @@ KeyId findKey(RegistryStore& store, const std::string& path) {
 
 // The handle of the key that path names below another; null where it is missing.
 HKEY openBelow(const OpenKey& key, const std::string& path, REGSAM access) {
-    RegistryStore store(RegistryStore::eRead);
+    RegistryStore store((access & KEY_SET_VALUE) != 0 ? RegistryStore::eReadToWrite : RegistryStore::eRead);
     requireAlive(store, key.id);
     const KeyId id = path == key.path ? key.id : findKey(store, path);
     return id != kNoKey ? newHandle({id, path, access}) : nullptr;

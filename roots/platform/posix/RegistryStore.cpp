@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
@@ -28,6 +29,7 @@ constexpr char kSchema[] = R"(
                            (2, 'HKEY_CURRENT_USER', 0, 'HKEY_CURRENT_USER'),
                            (3, 'HKEY_LOCAL_MACHINE\SOFTWARE', 1, 'Software'),
                            (4, 'HKEY_LOCAL_MACHINE\SOFTWARE\CLASSES', 3, 'Classes');
+    UPDATE sqlite_sequence SET seq = random() & 0x7FFFFFFF | 8; -- no key's number is one of another file
     PRAGMA application_id = 0x4B656C52;
     PRAGMA user_version = 1;)";
 
@@ -48,8 +50,13 @@ constexpr const char* kQueries[] = {
 };
 static_assert(std::size(kQueries) == static_cast<std::size_t>(Query::eCount));
 
-constexpr int kPatience = 10000;  // milliseconds that a change waits for other processes
-constexpr int kPause = 200;       // microseconds between two tries
+constexpr std::size_t kLongestPath = 504;  // of SQLite, which puts eight characters behind it
+
+constexpr int kPatience = 10000;                 // milliseconds that a change waits for other processes
+constexpr int kPause = 200;                      // microseconds between two tries
+constexpr std::chrono::milliseconds kTrust(50);  // how long reading takes it that the file is the one it was
+
+using Clock = std::chrono::steady_clock;
 
 // What this process has open. Plain values, so that no destructor runs before the last use.
 struct Connection {
@@ -57,13 +64,15 @@ struct Connection {
     sqlite3_stmt* statements[std::size(kQueries)];
     int folder;       // where processes queue, see Turn; -1 where it cannot be opened
     bool unchanging;  // opened as a file that nobody can change, which holds for one call
-    char path[4096];
-    DWORD told;  // the last failure that the user was told
+    char path[1024];
+    DWORD told;                // the last failure that the user was told
+    Clock::time_point looked;  // when the file was last found to be in its place
 } connection;
 
 std::string storePath() {
-    if (const char* path = std::getenv("KELROOTS_REGISTRY"); path != nullptr && *path != '\0') return path;
-    return homeFolder() + "/.local/share/norrab/registry.db";
+    const char* const path = std::getenv("KELROOTS_REGISTRY");
+    if (path == nullptr || *path == '\0') return homeFolder() + "/.local/share/norrab/registry.db";
+    return *path == '/' ? path : std::string("./") + path;  // SQLite takes "file:x" and ":memory:" for other things
 }
 
 std::string folderOf(const std::string& path) {
@@ -93,7 +102,7 @@ std::string folderOf(const std::string& path) {
         case SQLITE_NOTADB: fail(ERROR_NOT_REGISTRY_FILE, "is another kind of file");
         default:
             if (result == SQLITE_IOERR_NOMEM) throw RegistryFailure{ERROR_NOT_ENOUGH_MEMORY};
-            fail(ERROR_REGISTRY_IO_FAILED, sqlite3_errstr(result));
+            fail(ERROR_REGISTRY_IO_FAILED, (std::string("cannot be used: ") + sqlite3_errstr(result)).c_str());
     }
 }
 
@@ -139,14 +148,14 @@ __attribute__((destructor)) void closeAtUnload() {
 }
 
 // A database must not be open in two processes by a fork: it is closed before, and both open it anew when they need it.
-void closeAroundForks() {
-    static const int arranged = pthread_atfork(
+// Arranged before any thread can be at work here, which would have the child wait for it for ever.
+__attribute__((constructor)) void closeAroundForks() {
+    pthread_atfork(
         [] {
             registryMutex().lock();
             close();
         },
         [] { registryMutex().unlock(); }, [] { registryMutex().unlock(); });
-    static_cast<void>(arranged);
 }
 
 int connect(const std::string& path, int flags) {
@@ -218,16 +227,16 @@ void makeFile(const std::string& path) {
 // Opens the database; false where it is missing or empty and nothing is to be written.
 bool openFor(RegistryStore::Purpose purpose) {
     const std::string path = storePath();
-    if (path != connection.path) {
+    if (path.compare(0, sizeof connection.path - 1, connection.path) != 0) {
         connection.told = ERROR_SUCCESS;
         connection.path[path.copy(connection.path, sizeof connection.path - 1)] = '\0';
     }
+    if (path.size() > kLongestPath) fail(ERROR_FILENAME_EXCED_RANGE, "has a longer path than SQLite opens");
     if (purpose == RegistryStore::eWrite)
         makeFile(path);
-    else if (access(path.c_str(), F_OK) != 0)
+    else if (access(path.c_str(), F_OK) != 0 && (errno == ENOENT || errno == ENOTDIR))
         return false;
 
-    closeAroundForks();
     connection.unchanging = false;
     require(connect(path, SQLITE_OPEN_READWRITE));
     std::int64_t ignored;
@@ -242,11 +251,15 @@ bool openFor(RegistryStore::Purpose purpose) {
     return isRegistry();
 }
 
-// A database that could only be read may be writable by now, and one whose file is gone takes no changes.
-bool mustOpenAgainToWrite() {
+// A database whose file is gone or another one by now is not what others see, and one that could only be read may be
+// writable by now.
+bool mustOpenAgain(RegistryStore::Purpose purpose) {
+    const Clock::time_point now = Clock::now();
+    if (purpose == RegistryStore::eRead && now - connection.looked < kTrust) return false;
+    connection.looked = now;
     int moved = 0;
     sqlite3_file_control(connection.database, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
-    return moved != 0 || sqlite3_db_readonly(connection.database, "main") == 1;
+    return moved != 0 || (purpose == RegistryStore::eWrite && sqlite3_db_readonly(connection.database, "main") == 1);
 }
 
 }  // namespace
@@ -278,7 +291,7 @@ bool Statement::next() {
 }
 
 RegistryStore::RegistryStore(Purpose purpose) {
-    if (purpose == eWrite && connection.database != nullptr && mustOpenAgainToWrite()) close();
+    if (connection.database != nullptr && mustOpenAgain(purpose)) close();
     if (connection.database == nullptr) {
         try {
             if (!openFor(purpose)) close();
@@ -287,7 +300,7 @@ RegistryStore::RegistryStore(Purpose purpose) {
             throw;
         }
     }
-    if (purpose == eRead) return;
+    if (purpose != eWrite) return;
     if (sqlite3_db_readonly(connection.database, "main") == 1) failLike(SQLITE_READONLY);
     const Turn turn;
     execute("BEGIN IMMEDIATE");

@@ -80,9 +80,10 @@ private:
 // A stretch of reading, or one change that others see as a whole. A change that is not committed has not happened.
 class RegistryStore {
 public:
-    enum Purpose { eRead, eWrite };
+    enum Purpose { eRead, eReadToWrite, eWrite };
 
-    // Opens the database where it is not open yet; to write, makes it where it is missing. Throws RegistryFailure.
+    // Opens the database where it is not open yet, or was replaced or removed since; reading alone may notice that a
+    // moment later. To write, makes it where it is missing. Throws RegistryFailure.
     explicit RegistryStore(Purpose purpose);
     ~RegistryStore();
     RegistryStore(const RegistryStore&) = delete;
