@@ -141,6 +141,7 @@ int BryRegistry::getData(const BryString& subKey, const BryString& valueName, in
     return getRegValueCurrentUser(getKorvelCurrentUserPath() + L"\\" + subKey, valueName, value, 1);
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): hosts call it with a value of their own
 int BryRegistry::getRegValueClassesRoot(BryString keyPath, const BryString& valueName, BryString& value) {
     const Key key(HKEY_CLASSES_ROOT, keyPath, KEY_ALL_ACCESS);
     if (!key) return 0;
@@ -173,6 +174,7 @@ BryString BryRegistry::getNorrabDataPath() {
     return path;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): hosts call it with a value of their own
 BryString BryRegistry::getDatabaseConnectionsString(BryString valueName) {
     BryString text;
     readFrom(HKEY_LOCAL_MACHINE, kDatabaseConnections, valueName, text, 0);

@@ -43,8 +43,9 @@ bool parseRegFile(const std::string& bytes, std::vector<RegEntry>& entries, int&
 
 // The lines of a file of version 5.00, each with a line feed at its end. Reading them gives the same entries, whatever
 // bytes the values have: a text with further zeros, ends of lines or half a surrogate pair is written as hex(1). Only
-// the closing zero that a text lacks, as those that programs on Linux store, is added by reading. False with a reason where the name of a key has an end of line, or where with utf8 a name has half
-// a surrogate pair, which that encoding cannot express.
+// the closing zero that a text lacks, as those that programs on Linux store, is added by reading. False with a reason
+// where the name of a key has an end of line, or where with utf8 a name has half a surrogate pair, which that encoding
+// cannot express.
 bool makeRegFile(const std::vector<RegEntry>& entries, bool utf8, std::vector<BryString>& lines, BryString& reason);
 
 // Texts as values have them: 16-bit units, the low byte first, with a zero at the end.
