@@ -2,10 +2,7 @@
 #include "RegFile.h"
 #include "Utf8.h"
 
-#include <tests/support/Environment.h>
-#include <tests/support/TempFolder.h>
-
-#include <gtest/gtest.h>
+#include <tests/support/ScratchRegistry.h>
 
 namespace {
 
@@ -53,24 +50,22 @@ std::string run(const std::vector<BryString>& arguments) {
 TEST(RegFile, ReadsEveryKindOfLineAndWritesItAgain) {
     const struct {
         std::string line, means, again;  // again: where the line is not written as it was read
-    } rows[] = {
-        {R"("a"="b")", bytes("a=1:b\0\0\0"), ""},
-        {R"(  "\\\"\n" = "\\" ; x)", bytes("\\\"\n=1:\\\0\0\0"), R"("\\\"\n"="\\")"},
-        {"\"a\"=\"1\n;\"", bytes("a=1:1\0\n\0;\0\0\0"), R"("a"=hex(1):31,00,0a,00,3b,00,00,00)"},
-        {"\"\xC3\xA4\"=\"\xE2\x82\xAC\"", bytes("\xC3\xA4=1:\xAC\x20\0\0"), ""},
-        {R"("a"=dword: 4A;x)", bytes("a=4:J\0\0\0"), R"("a"=dword:0000004a)"},
-        {"\"a\"=hex: 41 , 4b,\\ ; x\r\n\r\n;x\r\n  4C,", "a=3:AKL", R"("a"=hex:41,4b,4c)"},
-        {R"("a"=hex(1):41)", "a=1:A", ""},
-        {R"("a"=hex(1):)", "a=1:", R"("a"="")"},
-        {R"("a"=hex(1):41,00)", bytes("a=1:A\0"), R"("a"="A")"},
-        {R"("a"=hex(1):00,d8,00,00)", bytes("a=1:\0\xD8\0\0"), ""},
-        {R"("a"=hex(1):41,00,00,00)", bytes("a=1:A\0\0\0"), R"("a"="A")"},
-        {R"("a"=hex(4):41,0,0,0)", bytes("a=4:A\0\0\0"), R"("a"=dword:00000041)"},
-        {R"("a"=hex(ffffffff):41)", "a=4294967295:A", ""},
-        {R"("b23"=hex:)" + repeated("41,", 23) + "\\\n  " + repeated("41,", 25) + "\\\n  41",
-         "b23=3:" + repeated("A", 49), ""},
-        {R"("a"=-;x)", "a=-", R"("a"=-)"},
-    };
+    } rows[] = {{R"("a"="b")", bytes("a=1:b\0\0\0"), ""},
+                {R"(  "\\\"\n" = "\\" ; x)", bytes("\\\"\n=1:\\\0\0\0"), R"("\\\"\n"="\\")"},
+                {"\"a\"=\"1\n;\"", bytes("a=1:1\0\n\0;\0\0\0"), R"("a"=hex(1):31,00,0a,00,3b,00,00,00)"},
+                {"\"\xC3\xA4\"=\"\xE2\x82\xAC\"", bytes("\xC3\xA4=1:\xAC\x20\0\0"), ""},
+                {R"("a"=dword: 4A;x)", bytes("a=4:J\0\0\0"), R"("a"=dword:0000004a)"},
+                {"\"a\"=hex: 41 , 4b,\\ ; x\r\n\r\n;x\r\n  4C,", "a=3:AKL", R"("a"=hex:41,4b,4c)"},
+                {R"("a"=hex(1):41)", "a=1:A", ""},
+                {R"("a"=hex(1):)", "a=1:", R"("a"="")"},
+                {R"("a"=hex(1):41,00)", bytes("a=1:A\0"), R"("a"="A")"},
+                {R"("a"=hex(1):00,d8,00,00)", bytes("a=1:\0\xD8\0\0"), ""},
+                {R"("a"=hex(1):41,00,00,00)", bytes("a=1:A\0\0\0"), R"("a"="A")"},
+                {R"("a"=hex(4):41,0,0,0)", bytes("a=4:A\0\0\0"), R"("a"=dword:00000041)"},
+                {R"("a"=hex(ffffffff):41)", "a=4294967295:A", ""},
+                {R"("b23"=hex:)" + repeated("41,", 23) + "\\\n  " + repeated("41,", 25) + "\\\n  41",
+                 "b23=3:" + repeated("A", 49), ""},
+                {R"("a"=-;x)", "a=-", R"("a"=-)"}};
     for (const auto& row : rows) {
         std::vector<RegEntry> entries;
         EXPECT_EQ(parsed(header + key + row.line, entries), told(RegEntry::makeKey(keyName)) + row.means + ";");
@@ -79,23 +74,18 @@ TEST(RegFile, ReadsEveryKindOfLineAndWritesItAgain) {
 }
 
 TEST(RegFile, ReadsKeysInEveryEncoding) {
-    const struct {
-        std::string file, means;
-    } rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {header + "[hkcu\\\\a]b\\] ; x", "[HKEY_CURRENT_USER\\a]b];"},
         {header + " [HKey_Classes_Root]\r; x\n\n", "[HKEY_CLASSES_ROOT];"},
         {"\xEF\xBB\xBF" + header + "[HKCR\\\xC3\xA4]", "[HKEY_CLASSES_ROOT\\\xC3\xA4];"},
-        {"REGEDIT4\n[HKCR\\\xE4]\n@=hex(2):e4,00", bytes("[HKEY_CLASSES_ROOT\\\xC3\xA4];=2:\xE4\0\0\0;")},
-    };
+        {"REGEDIT4\n[HKCR\\\xE4]\n@=hex(2):e4,00", bytes("[HKEY_CLASSES_ROOT\\\xC3\xA4];=2:\xE4\0\0\0;")}};
     setEnvironment("KELROOTS_ANSI_CODE_PAGE", "1252");
     std::vector<RegEntry> entries;
-    for (const auto& row : rows) EXPECT_EQ(parsed(row.file, entries), row.means);
+    for (const auto& [file, means] : rows) EXPECT_EQ(parsed(file, entries), means);
 }
 
 TEST(RegFile, NamesLineAndReasonOfDamage) {
-    const struct {
-        std::string lines, error;  // behind the header, from line 3
-    } rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {"\"a\"=\"b\"", "3: a value before any key"},
         {"[-HKCU\\]", "3: a whole hive cannot be deleted"},
         {"[HKCU\\a", "3: a key without ] at its end"},
@@ -112,17 +102,15 @@ TEST(RegFile, NamesLineAndReasonOfDamage) {
         {"[HKCU]\n@=hex:1,\\\n  123", "5: bytes have one or two hexadecimal digits, with commas between them"},
         {"[HKCU]\n@=hex:1,\\\n", "5: cut short: the file ends where a line is continued"},
         {bytes("[HKCU\\\0]"), "3: not a text: a zero character"},
-        {"[HKCU\\\xFF]", "3: not a text: neither UTF-8 nor UTF-16LE with its mark"},
-    };
+        {"[HKCU\\\xFF]", "3: not a text: neither UTF-8 nor UTF-16LE with its mark"}};
     std::vector<RegEntry> entries;
-    for (const auto& row : rows) EXPECT_EQ(parsed(header + row.lines, entries), row.error) << row.lines;
+    for (const auto& [lines, error] : rows) EXPECT_EQ(parsed(header + lines, entries), error) << lines;
     EXPECT_EQ(parsed("\xFF\xFEx", entries), "1: cut short: the file ends within a character");
     EXPECT_EQ(parsed("Windows\n", entries).substr(0, 24), "1: not a registry file: ");
 }
 
 TEST(NorrabRegistry, CarriesAKeyThroughFilesOfBothEncodings) {
-    const TempFolder folder;
-    setEnvironment("KELROOTS_REGISTRY", (folder.path() / "registry.db").string().c_str());
+    const ScratchRegistry registry;
     const std::string values = "@=\"\xF0\x9F\x98\x80\"\r\n\"odd\"=hex(1):41,00,42\r\n\"open\"=hex(2):41,00\r\n";
     const std::string sub = key.substr(0, key.size() - 3) + "\\sub]\r\n", deleted = "[-" + key.substr(1);
     writeFile("in.reg", header + deleted + key + values + "\"gone\"=\"\"\r\n\"gone\"=-\r\n" + sub);
@@ -137,31 +125,25 @@ TEST(NorrabRegistry, CarriesAKeyThroughFilesOfBothEncodings) {
         EXPECT_EQ(run({L"export", keyName, L"again.reg"}), "0 ");
         EXPECT_EQ(fileBytes("again.reg"), fileBytes("16.reg"));
     }
-    run({L"delete", keyName});
 }
 
 TEST(NorrabRegistry, GetsWhatWasSet) {
-    const TempFolder folder;
-    setEnvironment("KELROOTS_REGISTRY", (folder.path() / "registry.db").string().c_str());
-    const struct {
-        std::vector<BryString> set;  // behind key and name
-        std::string get;
-    } rows[] = {
+    const ScratchRegistry registry;
+    const std::pair<std::vector<BryString>, std::string> rows[] = {
         {{L"\xE4"}, "0 \xC3\xA4\n"},
         {{L"0x1F", L"--type", L"dword"}, "0 31\n"},
         {{L"18446744073709551615", L"--type", L"qword"}, "0 18446744073709551615\n"},
         {{L"a", L"b c", L"--type", L"multi"}, "0 a\nb c\n"},
         {{L"0a,fF01", L"--type", L"hex"}, "0 0a,ff,01\n"},
-        {{L"4294967296", L"--type", L"dword"}, "2 "},
-    };
-    for (const auto& row : rows) {
-        std::vector<BryString> arguments = {L"set", L"hkcu\\software\\kelrootstest", L"n"};
-        arguments.insert(arguments.end(), row.set.begin(), row.set.end());
+        {{L"4294967296", L"--type", L"dword"}, "2 "}};
+    const BryString made = keyName + L"\\made";
+    for (const auto& [value, get] : rows) {
+        std::vector<BryString> arguments = {L"set", L"hkcu\\software\\kelrootstest\\made", L"n"};
+        arguments.insert(arguments.end(), value.begin(), value.end());
         const std::string set = run(arguments);
-        EXPECT_EQ(set == "0 " ? run({L"get", keyName, L"N"}) : set.substr(0, 2), row.get);
+        EXPECT_EQ(set == "0 " ? run({L"get", made, L"N"}) : set.substr(0, 2), get);
     }
-    EXPECT_EQ(run({L"delete", keyName, L"n"}), "0 ");
-    EXPECT_EQ(run({L"get", keyName, L"n"}).substr(0, 2), "1 ");
+    EXPECT_EQ(run({L"delete", made, L"n"}), "0 ");
+    EXPECT_EQ(run({L"get", made, L"n"}).substr(0, 2), "1 ");
     EXPECT_EQ(run({L"delete", L"HKCU"}).substr(0, 2), "2 ");
-    run({L"delete", keyName});
 }

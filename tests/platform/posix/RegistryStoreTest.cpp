@@ -10,6 +10,7 @@
 #include <chrono>
 #include <csignal>
 #include <functional>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -34,10 +35,6 @@ int read(HKEY key, int name = 0) {
     return *data;
 }
 
-// Numbers that this process and its children share.
-volatile int* const shared =
-    static_cast<int*>(mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
-
 template <class Work>
 pid_t inChild(Work work) {
     const pid_t child = fork();
@@ -54,7 +51,8 @@ void expectSuccess(pid_t child) {
 
 TEST(RegistryStore, HasEveryWriteOfAKilledProcessThatWasAnswered) {
     const ScratchRegistry registry;
-    volatile int* const answered = &shared[0];
+    volatile int* const answered =  // shared with the children
+        static_cast<int*>(mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
     write(registry.key, 0, 0);
     for (int round = 0; round < 200; ++round) {
         const pid_t writer = inChild([&] {
@@ -67,28 +65,41 @@ TEST(RegistryStore, HasEveryWriteOfAKilledProcessThatWasAnswered) {
         ASSERT_GE(read(registry.key), *answered) << "round " << round;
     }
     EXPECT_GT(*answered, 100);
-    const auto allowed = std::filesystem::status(registry.path()).permissions();
-    EXPECT_EQ(allowed, std::filesystem::perms(0600)) << "the user's alone";
+    EXPECT_EQ(std::filesystem::status(registry.path()).permissions(), std::filesystem::perms(0600)) << "his alone";
 }
 
 TEST(RegistryStore, LetsTenProcessesWriteAtOnce) {
     const ScratchRegistry registry;
-    volatile int* const slowest = &shared[1];  // milliseconds
     std::vector<pid_t> children;
     for (int process = 0; process < 10; ++process)
         children.push_back(inChild([&, process] {
             for (int i = 0; i < 1000; ++i) {
                 const auto start = Clock::now();
                 EXPECT_EQ(write(registry.key, process * 1000 + i, i), 0);
-                const int passed = static_cast<int>((Clock::now() - start) / std::chrono::milliseconds(1));
-                if (passed > slowest[process]) slowest[process] = passed;
+                EXPECT_LT(Clock::now() - start, std::chrono::seconds(3)) << "a third of that on an idle machine";
             }
         }));
     std::for_each(children.begin(), children.end(), expectSuccess);
     for (int i = 0; i < 10000; ++i) ASSERT_EQ(read(registry.key, i), i % 1000) << i;
-    const int worst = *std::max_element(slowest, slowest + 10);
-    std::printf("the slowest write took %d ms\n", worst);
-    EXPECT_LT(worst, 10000);
+}
+
+TEST(RegistryStore, ServesThreadsAndTheProcessesThatTheyFork) {
+    const ScratchRegistry registry;
+    std::thread other([&registry] {
+        for (int i = 0; i < 300; ++i) EXPECT_EQ(write(registry.key, 1, i), 0);
+    });
+    for (int i = 0; i < 30; ++i) expectSuccess(inChild([&] { EXPECT_EQ(write(registry.key, 2, i), 0); }));
+    other.join();
+    EXPECT_TRUE(read(registry.key, 1) == 299 && read(registry.key, 2) == 29);
+}
+
+TEST(RegistryStore, NoticesThatItsFileIsGone) {
+    const ScratchRegistry registry;
+    std::filesystem::rename(registry.path(), registry.path() + ".old");
+    setEnvironment("KELROOTS_REGISTRY", ":memory:");
+    EXPECT_EQ(ScratchKey(HKEY_CURRENT_USER, registry.name).disposition, DWORD{REG_CREATED_NEW_KEY});
+    EXPECT_EQ(write(registry.key, 0, 1), 1018) << "the key of the old file is no key of the new one";
+    EXPECT_TRUE(std::filesystem::is_regular_file(":memory:")) << "a file whatever its name";
 }
 
 TEST(RegistryStore, RefusesFilesThatItCannotUseAndSaysSoOnce) {
@@ -106,7 +117,8 @@ TEST(RegistryStore, RefusesFilesThatItCannotUseAndSaysSoOnce) {
         {"of a newer release", edit(60, bytes("\0\0\0\x2")), -1306, 1306},
         {"damaged", edit(100, std::string(4000, '\xFF')), -1009, 1009},
         {"to be read only", allow(0444, 0777), 1, 5}, {"not to be read", allow(0, 0777), -5, 5},
-        {"in a folder to be read only", allow(0444, 0555), 1, 5},
+        {"in a folder to be read only", allow(0444, 0555), 1, 5}, {"in a closed folder", allow(0666, 0), -5, 5},
+        {"far away", [](Path) { setEnvironment("KELROOTS_REGISTRY", std::string(505, '/').c_str()); }, -206, 206},
         {"a folder", [](Path path) { unlink(path.c_str()), mkdir(path.c_str(), 0777); }, -5, 5},
         {"empty", [](Path path) { writeFile(path, ""); }, -1018, 1018},
         {"where none can be", [](Path) { setEnvironment("KELROOTS_REGISTRY", "/dev/null/registry.db"); }, -1018, 5}};
