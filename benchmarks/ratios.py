@@ -63,6 +63,7 @@ AIMS = {
     "write a setting, values in the key": 2,
     "increment, digits": 0.5,
     "increment, letters": 0.5,
+    "increaseProgress": 3,
 }
 
 

@@ -14,6 +14,7 @@
 #include <roots/files/BryWinMessage.h>
 #include <roots/numbering/BryIncrementalCounter.h>
 #include <roots/numbering/BryNumberCreator.h>
+#include <roots/progress/BryProcessEvolutionManager.h>
 #include <roots/settings/BryRegistry.h>
 #include <roots/text/BryRuntime.h>
 #include <roots/text/BryString.h>

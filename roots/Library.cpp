@@ -6,6 +6,7 @@
 #include <roots/files/BryGlobalStorage.h>
 #include <roots/files/BryLogfile.h>
 #include <roots/platform/Win32.h>
+#include <roots/progress/BryProcessEvolutionManager.h>
 #include <roots/text/BryString.h>
 
 // Allocated but not touched: they cost address space until a text is composed in them. They and the empty body live
@@ -18,6 +19,9 @@ BryStringRepr* BryString::m_repEmpty = BryStringRepr::make(0);
 BryDebugInterfaces::Initiators& BryDebugInterfaces::m_ContextInitiators = *new BryDebugInterfaces::Initiators;
 BryDebugInterfaces::Records& BryDebugInterfaces::m_Info = *new BryDebugInterfaces::Records;
 BryDebugInterfaces::CleanUp BryDebugInterfaces::m_cleanUp;
+
+// Never destroyed: work may still end, and displays may still deregister, when the process does.
+BryProcessEvolutionManager* BryProcessEvolutionManager::m_pProcessEvolutionManager = new BryProcessEvolutionManager;
 
 BryString* BryGlobalStorage::g_pAcadSupportPaths = nullptr;
 
