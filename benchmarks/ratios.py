@@ -64,6 +64,9 @@ AIMS = {
     "increment, digits": 0.5,
     "increment, letters": 0.5,
     "increaseProgress": 3,
+    "QuadraticSolver": 2,
+    "CubicSolver": 1,
+    "QuarticSolver": 1.6,
 }
 
 

@@ -14,6 +14,10 @@
 #include <roots/files/BryWinMessage.h>
 #include <roots/numbering/BryIncrementalCounter.h>
 #include <roots/numbering/BryNumberCreator.h>
+#include <roots/numeric/BryDouble.h>
+#include <roots/numeric/BryMathUtilities.h>
+#include <roots/numeric/BryProfTypeDSTVValues.h>
+#include <roots/numeric/BryZClipping.h>
 #include <roots/progress/BryProcessEvolutionManager.h>
 #include <roots/settings/BryRegistry.h>
 #include <roots/text/BryRuntime.h>

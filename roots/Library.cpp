@@ -5,9 +5,24 @@
 #include <roots/files/BryDebugInterfaces.h>
 #include <roots/files/BryGlobalStorage.h>
 #include <roots/files/BryLogfile.h>
+#include <roots/numeric/BryMathUtilities.h>
+#include <roots/numeric/BryZClipping.h>
 #include <roots/platform/Win32.h>
 #include <roots/progress/BryProcessEvolutionManager.h>
 #include <roots/text/BryString.h>
+
+#include <cmath>
+
+// The tables themselves stay: objects that are destroyed last of all still report to them.
+BryDebugInterfaces::Initiators& BryDebugInterfaces::m_ContextInitiators = *new BryDebugInterfaces::Initiators;
+BryDebugInterfaces::Records& BryDebugInterfaces::m_Info = *new BryDebugInterfaces::Records;
+BryDebugInterfaces::CleanUp BryDebugInterfaces::m_cleanUp;
+
+// The solvers read it.
+const double BryMathUtilities::PI = std::acos(-1.0);
+
+// What else needs a place in the order, the process's manager of running commands and the progress window's
+// controller, comes up here.
 
 // Allocated but not touched: they cost address space until a text is composed in them. They and the empty body live
 // until the process ends, because strings of the hosts may outlive any destructor here.
@@ -15,10 +30,8 @@ wchar_t* BryString::BryStringTempBufferWide = new wchar_t[0x80000];
 char* BryString::BryStringTempBuffer = new char[0x80000];
 BryStringRepr* BryString::m_repEmpty = BryStringRepr::make(0);
 
-// The tables themselves stay: objects that are destroyed last of all still report to them.
-BryDebugInterfaces::Initiators& BryDebugInterfaces::m_ContextInitiators = *new BryDebugInterfaces::Initiators;
-BryDebugInterfaces::Records& BryDebugInterfaces::m_Info = *new BryDebugInterfaces::Records;
-BryDebugInterfaces::CleanUp BryDebugInterfaces::m_cleanUp;
+double BryZClipping::kClipUpperDefault = 20.0;
+double BryZClipping::kClipLowerDefault = -20.0;
 
 // Never destroyed: work may still end, and displays may still deregister, when the process does.
 BryProcessEvolutionManager* BryProcessEvolutionManager::m_pProcessEvolutionManager = new BryProcessEvolutionManager;
