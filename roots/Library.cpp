@@ -21,8 +21,8 @@ BryDebugInterfaces::CleanUp BryDebugInterfaces::m_cleanUp;
 // The solvers read it.
 const double BryMathUtilities::PI = std::acos(-1.0);
 
-// What else needs a place in the order, the process's manager of running commands and the progress window's
-// controller, comes up here.
+// Never destroyed: work may still end, and displays may still deregister, when the process does.
+BryProcessEvolutionManager* BryProcessEvolutionManager::m_pProcessEvolutionManager = new BryProcessEvolutionManager;
 
 // Allocated but not touched: they cost address space until a text is composed in them. They and the empty body live
 // until the process ends, because strings of the hosts may outlive any destructor here.
@@ -32,9 +32,6 @@ BryStringRepr* BryString::m_repEmpty = BryStringRepr::make(0);
 
 double BryZClipping::kClipUpperDefault = 20.0;
 double BryZClipping::kClipLowerDefault = -20.0;
-
-// Never destroyed: work may still end, and displays may still deregister, when the process does.
-BryProcessEvolutionManager* BryProcessEvolutionManager::m_pProcessEvolutionManager = new BryProcessEvolutionManager;
 
 BryString* BryGlobalStorage::g_pAcadSupportPaths = nullptr;
 
