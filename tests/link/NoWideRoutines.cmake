@@ -1,4 +1,8 @@
-# Fails where LIBRARY needs a wide routine of the C or C++ library; NM lists what it needs.
+# Fails where LIBRARY needs a wide routine of the C or C++ library, or offers one of its own; NM lists both.
+execute_process(COMMAND ${NM} -D --defined-only ${LIBRARY} OUTPUT_VARIABLE offered COMMAND_ERROR_IS_FATAL ANY)
+if(NOT offered MATCHES " BryString|9BryString" OR offered MATCHES "_ZN?K?St[^\n]*Iw")
+    message(FATAL_ERROR "wide templates of the C++ library, or nothing, among:\n${offered}")
+endif()
 execute_process(COMMAND ${NM} -D -u ${LIBRARY} OUTPUT_VARIABLE needed COMMAND_ERROR_IS_FATAL ANY)
 if(NOT needed MATCHES " _Zna")  # operator new[]
     message(FATAL_ERROR "this is no list of what the library needs:\n${needed}")
