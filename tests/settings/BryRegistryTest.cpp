@@ -70,6 +70,11 @@ TEST(BryRegistryApplication, ReadsItsOwnKeys) {
     if (onWindows && !underWine()) GTEST_SKIP() << "the application's keys may be somebody's";
     const ScratchRegistry registry(L"Software\\Ozmira");
     const BryString top = L"Software\\Ozmira\\Norrab\\2009", path = top + L"\\Environment";
+    EXPECT_EQ(BryRegistry::getKorvelAddInConfig() + BryRegistry::getAddInEnvironmentPath() +
+                  BryRegistry::getKorvelLocalMachinePath() + BryRegistry::getKorvelUserSettingsLiveUpdate(),
+              top + L"\\AddInConfig" + top + L"\\AddInEnvironment" + top + top + L"\\Settings\\LiveUpdate");
+    EXPECT_EQ(BryRegistry::getDBConnect() + BryRegistry::getDriverDescription() + BryRegistry::getListOfAttributes(),
+              L"DBConnectDriverDescriptionListOfAttributes");
     EXPECT_EQ(BryRegistry::getCurrentLanguage(), 9u);
     const int rows[][3] = {{1036, 0, 12}, {3084, 0, 12}, {9, 3, 25}, {9, 2, 9}, {5, 3, 5}, {1031, 0, 1031}, {0, 3, 0}};
     for (const auto& [language, variant, expected] : rows) {

@@ -66,10 +66,10 @@ TEST(RegFile, ReadsEveryKindOfLineAndWritesItAgain) {
                 {R"("b23"=hex:)" + repeated("41,", 23) + "\\\n  " + repeated("41,", 25) + "\\\n  41",
                  "b23=3:" + repeated("A", 49), ""},
                 {R"("a"=-;x)", "a=-", R"("a"=-)"}};
-    for (const auto& row : rows) {
+    for (const auto& [line, means, again] : rows) {  // again: where it is not written as it was read
         std::vector<RegEntry> entries;
-        EXPECT_EQ(parsed(header + key + row.line, entries), told(RegEntry::makeKey(keyName)) + row.means + ";");
-        EXPECT_EQ(lastLine(entries), (row.again.empty() ? row.line : row.again) + "\n");
+        EXPECT_EQ(parsed(header + key + line, entries), told(RegEntry::makeKey(keyName)) + means + ";");
+        EXPECT_EQ(lastLine(entries), (again.empty() ? line : again) + "\n");
     }
 }
 

