@@ -295,6 +295,38 @@ HANDLE FindFirstFileW(const wchar_t* pattern, WIN32_FIND_DATAW* found);
 BOOL FindNextFileW(HANDLE search, WIN32_FIND_DATAW* found);
 BOOL FindClose(HANDLE search);
 
+// ---- time (posix/Time.cpp) ------------------------------------------------------------------------------------------
+
+// A time of the calendar, whichever zone it is of. The day of the week counts from Sunday, 0; it is filled in where a
+// time is made and not looked at where one is given. Headers declare the name that Windows has behind SYSTEMTIME, and
+// do without this one.
+struct _SYSTEMTIME {
+    WORD wYear;
+    WORD wMonth;
+    WORD wDayOfWeek;
+    WORD wDay;
+    WORD wHour;
+    WORD wMinute;
+    WORD wSecond;
+    WORD wMilliseconds;
+};
+using SYSTEMTIME = _SYSTEMTIME;
+
+// The number of 100 ns since the beginning of 1601, in the calendar of today. Years are 1601 to 30827. A field outside
+// its range, a day that its month lacks: false, error 87, and nothing is written.
+KELROOTS_API BOOL SystemTimeToFileTime(const SYSTEMTIME* time, FILETIME* count);
+
+// The time of a count, cut to milliseconds. Counts from 2^63 on are refused in the same way; the last time is in the
+// year 30828, which SystemTimeToFileTime refuses.
+KELROOTS_API BOOL FileTimeToSystemTime(const FILETIME* count, SYSTEMTIME* time);
+
+// -1, 0 or 1, as first is less than, equal to or greater than second.
+KELROOTS_API LONG CompareFileTime(const FILETIME* first, const FILETIME* second);
+
+// Now, in the zone of the environment and in UTC.
+KELROOTS_API void GetLocalTime(SYSTEMTIME* time);
+KELROOTS_API void GetSystemTime(SYSTEMTIME* time);
+
 // ---- processes and modules (posix/Modules.cpp) ----------------------------------------------------------------------
 
 using ULONG_PTR = std::uintptr_t;
