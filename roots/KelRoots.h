@@ -17,6 +17,7 @@
 #include <roots/numeric/BryDouble.h>
 #include <roots/numeric/BryMathUtilities.h>
 #include <roots/numeric/BryProfTypeDSTVValues.h>
+#include <roots/numeric/BryRegExWrapper.h>
 #include <roots/numeric/BryTimeUtilities.h>
 #include <roots/numeric/BryZClipping.h>
 #include <roots/progress/BryProcessEvolutionManager.h>

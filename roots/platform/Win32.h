@@ -382,6 +382,11 @@ BOOL Module32NextW(HANDLE snapshot, MODULEENTRY32W* entry);
 // Snapshots are the handles there are here; any other value is refused (ERROR_INVALID_HANDLE).
 BOOL CloseHandle(HANDLE handle);
 
+// ---- stack (posix/StackLimits.cpp) ----------------------------------------------------------------------------------
+
+// Where the stack of this thread ends and where it began; it grows down to low.
+void GetCurrentThreadStackLimits(ULONG_PTR* low, ULONG_PTR* high);
+
 // ---- version information (posix/VersionInfo.cpp) --------------------------------------------------------------------
 
 // The size of the block that holds the version resource of a PE file, 32- or 64-bit, or 0: error 1812 where there is

@@ -11,16 +11,16 @@ using Time = BryTimeUtilities;
 using Between = int (*)(const SYSTEMTIME&, const SYSTEMTIME&, int&);
 using FromNow = int (*)(const SYSTEMTIME&, int&);
 
+// Seconds, minutes, hours, days.
 constexpr int kUnits = 4;
 constexpr Between kBetween[kUnits] = {Time::getDifferenceBetweenTimesInSeconds,
                                       Time::getDifferenceBetweenTimesInMinutes, Time::getDifferenceBetweenTimesInHours,
                                       Time::getDifferenceBetweenTimesInDays};
-constexpr FromNow kFromLocal[kUnits] = {
-    Time::getDifferenceBetweenTimeAndLocalTimeInSeconds, Time::getDifferenceBetweenTimeAndLocalTimeInMinutes,
-    Time::getDifferenceBetweenTimeAndLocalTimeInHours, Time::getDifferenceBetweenTimeAndLocalTimeInDays};
-constexpr FromNow kFromSystem[kUnits] = {
-    Time::getDifferenceBetweenTimeAndSystemTimeInSeconds, Time::getDifferenceBetweenTimeAndSystemTimeInMinutes,
-    Time::getDifferenceBetweenTimeAndSystemTimeInHours, Time::getDifferenceBetweenTimeAndSystemTimeInDays};
+constexpr FromNow kFromNow[][kUnits] = {
+    {Time::getDifferenceBetweenTimeAndLocalTimeInSeconds, Time::getDifferenceBetweenTimeAndLocalTimeInMinutes,
+     Time::getDifferenceBetweenTimeAndLocalTimeInHours, Time::getDifferenceBetweenTimeAndLocalTimeInDays},
+    {Time::getDifferenceBetweenTimeAndSystemTimeInSeconds, Time::getDifferenceBetweenTimeAndSystemTimeInMinutes,
+     Time::getDifferenceBetweenTimeAndSystemTimeInHours, Time::getDifferenceBetweenTimeAndSystemTimeInDays}};
 
 constexpr SYSTEMTIME kFirst = {1601, 1, 1, 1, 0, 0, 0, 0}, kLast = {30827, 12, 5, 31, 23, 59, 59, 999},
                      kMonth13 = {2009, 13, 0, 1, 0, 0, 0, 0}, kUntouched = {7, 7, 7, 7, 7, 7, 7, 7};
@@ -56,16 +56,14 @@ TEST(BryTimeUtilitiesDifference, IsInWholeUnitsCutTowardsZero) {
 TEST(BryTimeUtilitiesDifference, IsPositiveForATimeToComeFromNow) {
     constexpr int kHours = 100, kPerUnit[kUnits] = {3600 * kHours, 60 * kHours, kHours, kHours / 24};
     for (const int sign : {1, -1}) {
-        SYSTEMTIME local, system, now;
-        EXPECT_NE(Time::addTimeToLocalTime(sign * kHours, local), 0);
+        SYSTEMTIME now, times[2];
+        EXPECT_NE(Time::addTimeToLocalTime(sign * kHours, times[0]), 0);
         GetSystemTime(&now);
-        EXPECT_NE(Time::addTime(now, sign * kHours, system), 0);
-        for (int unit = 0; unit < kUnits; ++unit) {
-            for (const auto& [fromNow, time] : {std::pair(kFromLocal[unit], local), {kFromSystem[unit], system}}) {
-                int difference = 0;
-                EXPECT_EQ(fromNow(time, difference), sign);
-                EXPECT_NEAR(difference, sign * kPerUnit[unit], unit == 0 ? 60 : 1) << unit;
-            }
+        EXPECT_NE(Time::addTime(now, sign * kHours, times[1]), 0);
+        for (int i = 0; i < 2 * kUnits; ++i) {
+            int difference = 0;
+            EXPECT_EQ(kFromNow[i / kUnits][i % kUnits](times[i / kUnits], difference), sign);
+            EXPECT_NEAR(difference, sign * kPerUnit[i % kUnits], i % kUnits == 0 ? 60 : 1) << i;
         }
     }
 }
