@@ -24,7 +24,7 @@ public:
     virtual void processDeRegistered(int key) = 0;
 
 protected:
-    // Not virtual: the manager never deletes a display, and has these three operations only.
+    // Not virtual: nobody deletes a display by this class. Make yours final, or give it a virtual destructor.
     ~ProgressDisplayProtocol() = default;
 };
 

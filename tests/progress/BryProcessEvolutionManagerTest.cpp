@@ -17,7 +17,7 @@ using std::string, std::to_string;
 // cancelable, "b=1:5 " at 5 %, "b-1 " deregistered) and of commands with their answers: n registers one more display, x
 // deregisters one; r, d and p are for processes (r8: one of action 8, p1:5: 5 %), e arms cancelling, c cancels.
 struct World {
-    struct Display : ProgressDisplayProtocol {
+    struct Display final : ProgressDisplayProtocol {
         Display(World* world, int number) : world(world), name(static_cast<char>('a' + number)) {}
         void tell(const string& event) { world->log += name + event + " ", world->react(*this, event); }
         void progressChanged(int key, int percent) override { tell("=" + to_string(key) + ":" + to_string(percent)); }
