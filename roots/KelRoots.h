@@ -21,6 +21,9 @@
 #include <roots/numeric/BryTimeUtilities.h>
 #include <roots/numeric/BryZClipping.h>
 #include <roots/progress/BryProcessEvolutionManager.h>
+#include <roots/progress/BryProgressCtrl.h>
+#include <roots/progress/BryProgressCtrlWindow.h>
+#include <roots/progress/BryProgressCtrlWindowController.h>
 #include <roots/settings/BryRegistry.h>
 #include <roots/text/BryRuntime.h>
 #include <roots/text/BryString.h>

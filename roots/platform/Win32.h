@@ -27,6 +27,7 @@
 #    endif
 #    include <windows.h>
 
+#    include <commctrl.h>
 #    include <direct.h>
 #    include <errno.h>
 #    include <fcntl.h>
@@ -109,8 +110,13 @@ enum : DWORD {
     ERROR_KEY_DELETED = 1018,
     ERROR_NO_UNICODE_TRANSLATION = 1113,
     ERROR_REVISION_MISMATCH = 1306,
+    ERROR_INVALID_WINDOW_HANDLE = 1400,
+    ERROR_TLW_WITH_WSCHILD = 1406,
+    ERROR_CANNOT_FIND_WND_CLASS = 1411,
+    ERROR_CONTROL_ID_NOT_FOUND = 1421,
     ERROR_INVALID_MSGBOX_STYLE = 1438,
     ERROR_RESOURCE_DATA_NOT_FOUND = 1812,
+    ERROR_RESOURCE_NAME_NOT_FOUND = 1814,
 };
 
 // The error number of the last Windows service that failed on this thread. Successful services leave it alone.
@@ -489,7 +495,7 @@ KELROOTS_API LSTATUS RegEnumValueW(HKEY key, DWORD index, wchar_t* name, DWORD* 
 using HWND = void*;
 
 enum : UINT { MB_OK = 0, MB_ICONHAND = 0x10, MB_ICONQUESTION = 0x20, MB_ICONWARNING = 0x30, MB_ICONINFORMATION = 0x40 };
-enum { IDOK = 1 };
+enum { IDOK = 1, IDCANCEL = 2 };
 
 // Writes caption and text to the error stream, as UTF-8 without control characters other than line feeds and tabs, and
 // waits for Enter where both that stream and the input are a terminal. A null caption is "Error", a null text is empty.
@@ -497,10 +503,137 @@ enum { IDOK = 1 };
 // not used.
 int MessageBoxW(HWND owner, const wchar_t* text, const wchar_t* caption, UINT style);
 
-// ---- the module -----------------------------------------------------------------------------------------------------
+// ---- windows (posix/Windows.cpp; drawn by posix/ProgressLine.cpp) ----------------------------------------------------
 
 using HINSTANCE = void*;
+using HMENU = void*;
 using LPVOID = void*;
+using WPARAM = std::uintptr_t;
+using LPARAM = std::intptr_t;
+using LRESULT = std::intptr_t;
+using INT_PTR = std::intptr_t;
+#    define CALLBACK
+using DLGPROC = INT_PTR(CALLBACK*)(HWND dialog, UINT message, WPARAM first, LPARAM second);
+
+struct RECT {
+    LONG left, top, right, bottom;
+};
+
+struct PBRANGE {
+    int iLow, iHigh;
+};
+
+enum : DWORD { WS_VISIBLE = 0x10000000, WS_CHILD = 0x40000000, WS_EX_NOPARENTNOTIFY = 4 };
+enum { SW_HIDE = 0, SW_SHOW = 5 };
+enum : UINT {
+    WM_CREATE = 0x1,
+    WM_DESTROY = 0x2,
+    WM_SETTEXT = 0xC,
+    WM_GETTEXT = 0xD,
+    WM_GETTEXTLENGTH = 0xE,
+    WM_CLOSE = 0x10,
+    WM_SHOWWINDOW = 0x18,
+    WM_SETFONT = 0x30,
+    WM_NCDESTROY = 0x82,
+    WM_INITDIALOG = 0x110,
+    WM_COMMAND = 0x111,
+    WM_PARENTNOTIFY = 0x210,
+    WM_USER = 0x400,
+    PBM_SETRANGE = WM_USER + 1,
+    PBM_SETPOS,
+    PBM_DELTAPOS,
+    PBM_SETSTEP,
+    PBM_STEPIT,
+    PBM_SETRANGE32,
+    PBM_GETRANGE,
+    PBM_GETPOS,
+    PBM_GETSTEP = WM_USER + 13,
+};
+
+constexpr WORD LOWORD(std::uintptr_t value) { return static_cast<WORD>(value & 0xFFFF); }
+constexpr WORD HIWORD(std::uintptr_t value) { return static_cast<WORD>(value >> 16 & 0xFFFF); }
+constexpr DWORD MAKELONG(std::uintptr_t low, std::uintptr_t high) { return LOWORD(low) | DWORD{LOWORD(high)} << 16; }
+constexpr LPARAM MAKELPARAM(std::uintptr_t low, std::uintptr_t high) { return MAKELONG(low, high); }
+inline const wchar_t* MAKEINTRESOURCEW(WORD id) { return reinterpret_cast<const wchar_t*>(std::uintptr_t{id}); }
+
+namespace platform {
+
+// A dialog as a module's resources describe it, as far as it matters without a screen.
+struct DialogItem {
+    const wchar_t* text;
+    int id;
+    DWORD style;
+};
+
+struct DialogTemplate {
+    WORD id;
+    DWORD style;
+    const DialogItem* items;  // the first of count
+    std::size_t count;
+};
+
+// Gives a module its dialogs, in place of those that it had; null is the program. The caller keeps them.
+void setDialogs(HINSTANCE module, const DialogTemplate* dialogs, std::size_t count);
+
+}  // namespace platform
+
+// Windows live in memory: dialogs, and in them the controls STATIC and msctls_progress32, which is always registered. A
+// handle is a number that no other window of the process ever gets, so that a stale one is refused like a null one:
+// FALSE, 0 or null and ERROR_INVALID_WINDOW_HANDLE, nothing touched. All calls come from one thread.
+//
+// A dialog procedure gets what Windows sends it, in that order and with those parameters: WM_SETFONT (with a font of no
+// use), WM_INITDIALOG (with the first control), WM_PARENTNOTIFY, WM_SHOWWINDOW, WM_DESTROY, WM_NCDESTROY, and whatever
+// is sent to the dialog. What comes of a screen, a keyboard or a mouse is left out: positions, painting, activation,
+// focus. There is no queue: WM_CLOSE sends the WM_COMMAND with IDCANCEL that Windows posts. A procedure may destroy any
+// window, its own too.
+//
+// Where the error stream is a terminal, the visible dialog whose content changed last is drawn on it, as one line that
+// is rewritten in place: the text of its first static control, its progress bar and how much of that is full, in
+// per cent (the text of its second static control where it has no bar). The line
+// - fits the terminal's width, which is asked anew each time; what is too long is cut, between characters;
+// - is drawn at once, but never within 1/30 s of the last time. What changes faster waits for that moment, in a thread
+//   that lives until the last value is drawn and touches nothing but the line. What changes nothing draws nothing;
+// - is erased when the dialog is hidden or destroyed, while a message box shows, and when the process exits. It changes
+//   no mode of the terminal, so that a process that is killed leaves nothing behind it but the line;
+// - is left to its process: forked children draw nothing, nor do processes in the background. Where TERM is dumb there
+//   is none.
+
+// A modeless dialog after one of the module's templates: name is MAKEINTRESOURCEW of its number. It comes without an
+// owner, whatever owner is. Null where there is no such template (ERROR_RESOURCE_NAME_NOT_FOUND), memory is out or the
+// procedure destroyed it.
+HWND CreateDialogParamW(HINSTANCE module, const wchar_t* name, HWND owner, DLGPROC procedure, LPARAM param);
+
+// A control, a child of any window: menu is its number. Other classes and windows without a parent are refused.
+HWND CreateWindowExW(DWORD exStyle, const wchar_t* className, const wchar_t* text, DWORD style, int x, int y, int width,
+                     int height, HWND parent, HMENU menu, HINSTANCE module, void* param);
+
+BOOL DestroyWindow(HWND window);
+
+// Hides the dialog, which lives on.
+BOOL EndDialog(HWND dialog, INT_PTR result);
+
+// Hides (SW_HIDE) or shows (anything else); answers whether the window was visible.
+BOOL ShowWindow(HWND window, int command);
+BOOL SetDlgItemTextW(HWND dialog, int id, const wchar_t* text);
+
+// The topmost dialog with this class ("#32770"; null: any) and text (null: any), both without regard to case.
+KELROOTS_API HWND FindWindowW(const wchar_t* className, const wchar_t* text);
+
+// The control with that number, or null (ERROR_CONTROL_ID_NOT_FOUND).
+KELROOTS_API HWND GetDlgItem(HWND dialog, int id);
+
+// Copies the control's text, cut to capacity - 1 units, and answers its length there; the empty text where there is no
+// such control.
+KELROOTS_API UINT GetDlgItemTextW(HWND dialog, int id, wchar_t* buffer, int capacity);
+KELROOTS_API BOOL IsWindow(HWND window);
+KELROOTS_API BOOL IsWindowVisible(HWND window);
+
+// Every window knows WM_SETTEXT, WM_GETTEXT and WM_GETTEXTLENGTH; bars know the PBM_ messages above. Other messages end
+// in the dialog's procedure, or answer 0.
+KELROOTS_API LRESULT SendMessageW(HWND window, UINT message, WPARAM first, LPARAM second);
+
+// ---- the module -----------------------------------------------------------------------------------------------------
+
 #    define WINAPI
 enum : DWORD { DLL_PROCESS_DETACH = 0, DLL_PROCESS_ATTACH = 1, DLL_THREAD_ATTACH = 2, DLL_THREAD_DETACH = 3 };
 

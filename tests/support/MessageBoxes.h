@@ -6,14 +6,10 @@
 
 #include <thread>
 
+#include "Dialogs.h"
 #include "Platform.h"
 
 #ifdef _WIN32
-
-inline bool hasDisplay() {
-    const HWND window = CreateWindowW(L"STATIC", L"", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
-    return window != nullptr && DestroyWindow(window);
-}
 
 // The text of the box with this caption that the action shows. Waits up to ten seconds for it, and closes it.
 template <class Action>
@@ -33,8 +29,6 @@ BryString shownInBox(const wchar_t* caption, Action action) {
 }
 
 #else
-
-inline bool hasDisplay() { return true; }
 
 template <class Action>
 BryString shownInBox(const wchar_t* caption, Action action) {

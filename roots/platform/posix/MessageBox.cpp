@@ -1,6 +1,6 @@
-#include <roots/platform/WideText.h>
 #include <roots/platform/Win32.h>
-#include <roots/platform/posix/Utf.h>
+#include <roots/platform/posix/ProgressLine.h>
+#include <roots/platform/posix/TerminalText.h>
 
 #include <unistd.h>
 
@@ -12,28 +12,17 @@ namespace {
 using namespace platform;
 
 constexpr UINT kIcons = 0xF0;
-constexpr unsigned kReplacement = 0xFFFD;
-
-bool isControl(unsigned value) { return value < 0x20 || (value >= 0x7F && value < 0xA0); }
-
-// The character as a terminal may be shown it: what would move the cursor, change colours or write back is replaced.
-unsigned harmless(unsigned value) {
-    const bool half = isHighSurrogate(value) || isLowSurrogate(value);
-    return half || (isControl(value) && value != '\n' && value != '\t') ? kReplacement : value;
-}
 
 // CR LF and a CR of its own are line ends here, as they are in a box.
 void append(std::string& shown, const wchar_t* text) {
-    for (; *text != 0; ++text) {
-        unsigned value = *text;
-        if (value == '\r') {
-            if (text[1] == L'\n') continue;
-            value = '\n';
-        } else if (isHighSurrogate(value) && isLowSurrogate(text[1])) {
-            value = pairValue(value, *++text);
-        }
-        encodeUtf8(harmless(value), [&shown](unsigned byte) { shown += static_cast<char>(byte); });
-    }
+    bool afterReturn = false;
+    forEachCharacter(text, [&](unsigned value) {
+        const bool ended = afterReturn && value == '\n';
+        afterReturn = value == '\r';
+        if (afterReturn) value = '\n';
+        if (!ended) appendUtf8(shown, isTerminalControl(value) && value != '\n' && value != '\t' ? 0xFFFD : value);
+        return true;
+    });
 }
 
 void waitForEnter() {
@@ -55,11 +44,12 @@ int MessageBoxW(HWND, const wchar_t* text, const wchar_t* caption, UINT style) {
         shown += ": ";
         append(shown, text != nullptr ? text : L"");
         shown += '\n';
+        const ProgressLineAside aside;
         std::fwrite(shown.data(), 1, shown.size(), stderr);
+        waitForEnter();
     } catch (const std::bad_alloc&) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return 0;
     }
-    waitForEnter();
     return IDOK;
 }
