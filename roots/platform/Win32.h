@@ -503,7 +503,7 @@ enum { IDOK = 1, IDCANCEL = 2 };
 // not used.
 int MessageBoxW(HWND owner, const wchar_t* text, const wchar_t* caption, UINT style);
 
-// ---- windows (posix/Windows.cpp; drawn by posix/ProgressLine.cpp) ----------------------------------------------------
+// ---- windows (posix/Windows.cpp; drawn by posix/ProgressLine.cpp) ---------------------------------------------------
 
 using HINSTANCE = void*;
 using HMENU = void*;
@@ -550,10 +550,22 @@ enum : UINT {
     PBM_GETSTEP = WM_USER + 13,
 };
 
-constexpr WORD LOWORD(std::uintptr_t value) { return static_cast<WORD>(value & 0xFFFF); }
-constexpr WORD HIWORD(std::uintptr_t value) { return static_cast<WORD>(value >> 16 & 0xFFFF); }
-constexpr DWORD MAKELONG(std::uintptr_t low, std::uintptr_t high) { return LOWORD(low) | DWORD{LOWORD(high)} << 16; }
-constexpr LPARAM MAKELPARAM(std::uintptr_t low, std::uintptr_t high) { return MAKELONG(low, high); }
+template <class Number>
+constexpr WORD LOWORD(Number value) {
+    return static_cast<WORD>(static_cast<std::uintptr_t>(value) & 0xFFFF);
+}
+template <class Number>
+constexpr WORD HIWORD(Number value) {
+    return static_cast<WORD>(static_cast<std::uintptr_t>(value) >> 16 & 0xFFFF);
+}
+template <class Low, class High>
+constexpr DWORD MAKELONG(Low low, High high) {
+    return LOWORD(low) | DWORD{LOWORD(high)} << 16;
+}
+template <class Low, class High>
+constexpr LPARAM MAKELPARAM(Low low, High high) {
+    return MAKELONG(low, high);
+}
 inline const wchar_t* MAKEINTRESOURCEW(WORD id) { return reinterpret_cast<const wchar_t*>(std::uintptr_t{id}); }
 
 namespace platform {

@@ -36,6 +36,7 @@ BryProgressCtrlWindow::~BryProgressCtrlWindow() { delete[] m_title; }
 
 void BryProgressCtrlWindow::keepTitle(const wchar_t* title) { delete[] std::exchange(m_title, copyOf(title)); }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): hosts call it with a value of their own
 int BryProgressCtrlWindow::activate(BryString title) {
     reset();
     keepTitle(title.getStringW());

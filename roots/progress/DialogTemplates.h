@@ -7,10 +7,12 @@
 
 namespace progress {
 
+// clang-format off
 #define DIALOG(id, width, height, style) constexpr platform::DialogItem kItemsOf##id[] = {
 #define DIALOG_EX DIALOG
 #define ITEM(text, id, style, exStyle, x, y, width, height) {L##text, id, style},
 #define END_DIALOG };
+// clang-format on
 
 #include <roots/progress/Dialogs.inc>
 

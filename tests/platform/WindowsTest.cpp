@@ -104,7 +104,8 @@ TEST_F(WindowsTest, StaleHandlesAndUnknownNumbersAreRefused) {
         EXPECT_EQ(CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 1, 1, stale, nullptr, nullptr, nullptr), nullptr);
     }
     wchar_t text[4] = L"abc";
-    EXPECT_EQ(GetDlgItemTextW(g_dialog, 77, text, 4) + text[0] + SetDlgItemTextW(g_dialog, 77, L"x"), 0u);
+    EXPECT_EQ(GetDlgItemTextW(g_dialog, 77, text, 4) + text[0], 0u);
+    EXPECT_EQ(SetDlgItemTextW(g_dialog, 77, L"x"), FALSE);
     EXPECT_EQ(CreateWindowExW(0, L"none", L"", WS_CHILD, 0, 0, 1, 1, g_dialog, nullptr, nullptr, nullptr), nullptr);
     EXPECT_EQ(CreateDialogParamW(nullptr, MAKEINTRESOURCEW(102), nullptr, record, 0), nullptr);
     EXPECT_EQ(SendMessageW(g_bar, PBM_GETPOS, 0, 0), 0) << "the new bar got none of it";

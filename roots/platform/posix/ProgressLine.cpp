@@ -29,8 +29,7 @@ constexpr auto kInterval = std::chrono::nanoseconds(std::chrono::seconds(1)) / 3
 constexpr int kNarrowForBar = 30, kShortestBar = 10, kLongestBar = 40;  // columns
 constexpr int kPercentColumns = 5;                                      // " 100%"
 
-// ---- what the line says
-// ----------------------------------------------------------------------------------------------
+// ---- what the line says --------------------------------------------------------------------------------------------
 
 struct Text {
     std::string bytes;
@@ -88,8 +87,7 @@ std::string composed(const wchar_t* title, int percent, const wchar_t* label, in
     return fitted(title, room).bytes + (length > 0 ? bar(length, percent) : "") + percentage(percent);
 }
 
-// ---- the terminal
-// ----------------------------------------------------------------------------------------------------
+// ---- the terminal --------------------------------------------------------------------------------------------------
 
 bool isInBackground() {
     const pid_t foreground = tcgetpgrp(STDERR_FILENO);

@@ -52,13 +52,12 @@ struct Window {
     std::size_t length() const { return units.empty() ? 0 : units.size() - 1; }
 };
 
-// ---- the progress bar
-// ------------------------------------------------------------------------------------------------
+// ---- the progress bar ----------------------------------------------------------------------------------------------
 
 LRESULT Bar::handle(UINT message, WPARAM first, LPARAM second) {
     const auto number = [](auto parameter) { return static_cast<int>(static_cast<std::intptr_t>(parameter)); };
     switch (message) {
-        case PBM_SETRANGE: return setRange(LOWORD(static_cast<WPARAM>(second)), HIWORD(static_cast<WPARAM>(second)));
+        case PBM_SETRANGE: return setRange(LOWORD(second), HIWORD(second));
         case PBM_SETRANGE32: return setRange(number(first), number(second));
         case PBM_GETRANGE: return range(first != 0, reinterpret_cast<PBRANGE*>(second));
         case PBM_SETPOS: return moveTo(number(first));
@@ -78,7 +77,7 @@ int Bar::percent() const {
 
 // Both limits that were, in 16 bits each.
 LRESULT Bar::setRange(int low, int high) {
-    const DWORD before = MAKELONG(static_cast<WPARAM>(m_low), static_cast<WPARAM>(m_high));
+    const DWORD before = MAKELONG(m_low, m_high);
     m_low = low;
     m_high = high;
     moveTo(m_position);
@@ -105,8 +104,7 @@ LRESULT Bar::moveOneStep() {
     return std::exchange(m_position, static_cast<int>(to));
 }
 
-// ---- the windows there are
-// -------------------------------------------------------------------------------------------
+// ---- the windows there are -----------------------------------------------------------------------------------------
 
 // By handle, in the order of their creation.
 std::map<std::uintptr_t, Window>& windows() {
@@ -158,14 +156,13 @@ HWND add(Window window, const wchar_t* text) {
     }
 }
 
-// ---- drawing
-// ---------------------------------------------------------------------------------------------------------
+// ---- drawing -------------------------------------------------------------------------------------------------------
 
 HWND g_drawn = nullptr;
 
-// Has the line show the dialog, if it is visible, as it is now.
+// Has the line show the window, if it is a visible dialog, as it is now.
 void draw(HWND handle, const Window& dialog) {
-    if ((dialog.style & WS_VISIBLE) == 0) return;
+    if (dialog.kind != Kind::eDialog || (dialog.style & WS_VISIBLE) == 0) return;
     const wchar_t *title = nullptr, *label = nullptr;
     int percent = -1;
     for (const HWND child : dialog.children) {
@@ -187,8 +184,7 @@ void drawAround(HWND handle, const Window& window) {
     if (const Window* const found = find(dialog)) draw(dialog, *found);
 }
 
-// ---- messages
-// --------------------------------------------------------------------------------------------------------
+// ---- messages ------------------------------------------------------------------------------------------------------
 
 LRESULT copyText(const Window& window, WPARAM capacity, wchar_t* buffer) {
     if (capacity == 0 || buffer == nullptr) return 0;
@@ -223,8 +219,7 @@ LRESULT answerItself(HWND handle, Window& window, UINT message, WPARAM first, LP
 void tellParent(HWND handle, const Window& window, UINT what) {
     if (window.parent == nullptr || (window.exStyle & WS_EX_NOPARENTNOTIFY) != 0 || find(window.parent)->isDying)
         return;
-    SendMessageW(window.parent, WM_PARENTNOTIFY, MAKELONG(what, static_cast<WPARAM>(window.id)),
-                 reinterpret_cast<LPARAM>(handle));
+    SendMessageW(window.parent, WM_PARENTNOTIFY, MAKELONG(what, window.id), reinterpret_cast<LPARAM>(handle));
 }
 
 void hide(HWND handle, Window& window) {
@@ -244,8 +239,7 @@ void forget(HWND handle) {
     draw(parent, around);
 }
 
-// ---- creation
-// --------------------------------------------------------------------------------------------------------
+// ---- creation ------------------------------------------------------------------------------------------------------
 
 struct Dialogs {
     const DialogTemplate* first;
