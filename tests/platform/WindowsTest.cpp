@@ -58,7 +58,7 @@ TEST_F(WindowsTest, DialogProceduresSeeTheirMessagesInOrder) {
         {"a control's text", [] { EXPECT_NE(SetDlgItemTextW(g_dialog, kTitle, L"Plates"), FALSE); }, ""},
         {"its text", [] { SendMessageW(g_dialog, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"Marks")); }, "c 0 0; "},
         {"found", [] { EXPECT_EQ(FindWindowW(L"#32770", L"mARKS"), g_dialog); }, ""},
-        {"closed", [] { SendMessageW(g_dialog, WM_CLOSE, 0, 0), handlePosted(g_dialog); }, "10 0 0; 111 2 0; "},
+        {"a command", [] { SendMessageW(g_dialog, WM_COMMAND, IDCANCEL, 7); }, "111 2 7; "},
         {"ended", [] { EXPECT_NE(EndDialog(g_dialog, IDOK), FALSE); }, ""},
         {"shown again", [] { EXPECT_EQ(ShowWindow(g_dialog, SW_SHOW), FALSE); }, "18 1 0; "},
         {"hidden", [] { EXPECT_NE(ShowWindow(g_dialog, SW_HIDE), FALSE); }, "18 0 0; "},
@@ -75,21 +75,21 @@ TEST_F(WindowsTest, DialogProceduresSeeTheirMessagesInOrder) {
 }
 
 TEST_F(WindowsTest, ProgressBarsStayInTheirRange) {
+    const LPARAM all = MAKELPARAM(0, 100), part = MAKELPARAM(10, 50), most = MAKELPARAM(0, -1),
+                 even = MAKELPARAM(-50, 50);
     // clang-format off
-    const struct { UINT message; int first; LPARAM second, answer, position; } rows[] = {
+    const LRESULT rows[][5] = {  // message, its parameters, the answer, where the bar is then
         {PBM_GETRANGE, 0, 0, 100, 0}, {PBM_SETSTEP, 1, 0, 10, 0}, {PBM_SETPOS, -5, 0, 0, 0}, {PBM_DELTAPOS, 160, 0, 0, 100},
         {PBM_DELTAPOS, -1, 0, 100, 99}, {PBM_STEPIT, 0, 0, 99, 100}, {PBM_STEPIT, 0, 0, 100, 1}, {PBM_SETPOS, 101, 0, 1, 100},
-        {PBM_SETPOS, 1, 0, 100, 1}, {PBM_SETSTEP, -7, 0, 1, 1}, {PBM_STEPIT, 0, 0, 1, 94}, {PBM_SETSTEP, 1000, 0, -7, 94}, {PBM_STEPIT, 0, 0, 94, 94},
-        {PBM_SETRANGE, 0, MAKELPARAM(10, 50), MAKELPARAM(0, 100), 50}, {PBM_GETRANGE, 1, 0, 10, 50},
-        {PBM_SETRANGE, 0, MAKELPARAM(0, 65535), MAKELPARAM(10, 50), 50}, {PBM_SETPOS, 60000, 0, 50, 60000},
-        {PBM_SETRANGE32, -50, 50, MAKELPARAM(0, 65535), 50}, {PBM_SETPOS, -60, 0, 50, -50},
-        {PBM_SETRANGE, 0, 0, MAKELPARAM(-50, 50), 0}, {PBM_STEPIT, 0, 0, 0, 0}, {PBM_GETSTEP, 0, 0, 1000, 0},
-    };
+        {PBM_SETPOS, 1, 0, 100, 1}, {PBM_SETSTEP, -7, 0, 1, 1}, {PBM_STEPIT, 0, 0, 1, 94}, {PBM_SETSTEP, 1000, 0, -7, 94},
+        {PBM_STEPIT, 0, 0, 94, 94}, {PBM_SETRANGE, 0, part, all, 50}, {PBM_GETRANGE, 1, 0, 10, 50},
+        {PBM_SETRANGE, 0, most, part, 50}, {PBM_SETPOS, 60000, 0, 50, 60000}, {PBM_SETRANGE32, -50, 50, most, 50},
+        {PBM_SETPOS, -60, 0, 50, -50}, {PBM_SETRANGE, 0, 0, even, 0}, {PBM_STEPIT, 0, 0, 0, 0}};
     // clang-format on
     for (const auto& [message, first, second, answer, position] : rows) {
-        EXPECT_EQ(SendMessageW(g_bar, message, static_cast<WPARAM>(first), second), answer)
-            << message << ' ' << position;
-        EXPECT_EQ(SendMessageW(g_bar, PBM_GETPOS, 0, 0), position) << message << ' ' << position;
+        const LRESULT got = SendMessageW(g_bar, static_cast<UINT>(message), static_cast<WPARAM>(first), second);
+        EXPECT_EQ(got, answer) << message << ' ' << position;
+        EXPECT_EQ(SendMessageW(g_bar, PBM_GETPOS, 0, 0), position) << message;
     }
 }
 
@@ -99,8 +99,7 @@ TEST_F(WindowsTest, StaleHandlesAndUnknownNumbersAreRefused) {
     create();
     for (const HWND stale : {HWND{}, dialog, bar}) {
         EXPECT_EQ(IsWindow(stale) | IsWindowVisible(stale) | DestroyWindow(stale) | ShowWindow(stale, SW_SHOW), FALSE);
-        EXPECT_EQ(EndDialog(stale, 1) | SetDlgItemTextW(stale, kTitle, L"x") | SendMessageW(stale, PBM_STEPIT, 0, 0),
-                  0);
+        EXPECT_EQ(EndDialog(stale, 1) | SetDlgItemTextW(stale, kTitle, L"") | SendMessageW(stale, PBM_STEPIT, 0, 0), 0);
         EXPECT_EQ(CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 1, 1, stale, nullptr, nullptr, nullptr), nullptr);
     }
     wchar_t text[4] = L"abc";

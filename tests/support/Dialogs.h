@@ -11,17 +11,10 @@ inline bool hasDisplay() {
     return window != nullptr && DestroyWindow(window);
 }
 
-// What the host's message loop does while there are messages.
-inline void handlePosted(HWND dialog) {
-    for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);)
-        if (!IsDialogMessageW(dialog, &message)) DispatchMessageW(&message);
-}
-
 // The library's dialogs are among the resources of the program that tests the system.
 inline void provideDialogs() {}
 #else
 #    include <roots/progress/DialogTemplates.h>
 inline bool hasDisplay() { return true; }
-inline void handlePosted(HWND) {}
 inline void provideDialogs() { platform::setDialogs(nullptr, progress::kDialogs, std::size(progress::kDialogs)); }
 #endif
