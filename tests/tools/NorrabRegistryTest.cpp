@@ -111,7 +111,7 @@ TEST(RegFile, NamesLineAndReasonOfDamage) {
 
 TEST(NorrabRegistry, CarriesAKeyThroughFilesOfBothEncodings) {
     const ScratchRegistry registry;
-    const std::string values = "@=\"\xF0\x9F\x98\x80\"\r\n\"odd\"=hex(1):41,00,42\r\n\"open\"=hex(2):41,00\r\n";
+    const std::string values = "@=\"" + repeated("\xF0\x9F\x98\x80", 600) + "\"\r\n\"odd\"=hex(1):41,00,42\r\n";
     const std::string sub = key.substr(0, key.size() - 3) + "\\sub]\r\n", deleted = "[-" + key.substr(1);
     writeFile("in.reg", header + deleted + key + values + "\"gone\"=\"\"\r\n\"gone\"=-\r\n" + sub);
     writeFile("bad.reg", header + key + "\"never\"=\"\"\r\nx");
