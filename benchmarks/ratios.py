@@ -67,6 +67,14 @@ AIMS = {
     "QuadraticSolver": 2,
     "CubicSolver": 1,
     "QuarticSolver": 1.6,
+    "match, short pattern": 1.1,
+    "match, long pattern": 1.1,
+    "match, long literal": 1.25,
+    "match, long text": 1.1,
+    "match, one class": 1.1,
+    "addTime": "20 ns",
+    "difference of times in seconds": "20 ns",
+    "difference of times in days": "20 ns",
 }
 
 

@@ -47,7 +47,7 @@
 class KELROOTS_API BryProfTypeDSTVValues {
 public:
     // eDSTV_I and so on, see above. 32 bits; any other number may be converted and is kept.
-#define KELROOTS_DSTV_ENUMERATOR(name, value, code) name = value,
+#define KELROOTS_DSTV_ENUMERATOR(name, value, code) name = (value),
     enum eDSTVType : int { KELROOTS_DSTV_TYPES(KELROOTS_DSTV_ENUMERATOR) };
 #undef KELROOTS_DSTV_ENUMERATOR
 

@@ -33,7 +33,7 @@ void BryRegExWrapper::setRegularExpression(const BryString& expression) { m_expr
 
 bool BryRegExWrapper::match(
     const BryString& text,
-    BryArray<BryString, BryArrayObjectCopyReallocator<BryString>, BryArrayMemoryController<BryString>>& results) {
+    BryArray<BryString, BryArrayObjectCopyReallocator<BryString>, BryArrayMemoryController<BryString>>& results) const {
     struct Found {
         const BryString text;  // a share of its own: the array may move its elements
         BryArray<BryString>& results;

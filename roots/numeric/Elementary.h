@@ -64,12 +64,12 @@ inline double cubeRoot(double x) {
     rest = 1 - m * inverse * (inverse * inverse);
     inverse += inverse * rest * (1.0 / 3 + rest * (2.0 / 9));
 
-    // The last digit: the cube of the upper 17 bits is exact, and so is m without it.
+    // The last digit: the cube of the upper 17 bits is exact, and so is what it leaves of m.
     const double inverse2 = inverse * inverse;
     double root = m * inverse2;
     const double upper = fromBits(bitsOf(root) & ~std::uint64_t{0xFFFFFFFFF}), lower = root - upper;
-    const double cubeOfLower = lower * (3 * (upper * root) + lower * lower);
-    root += ((m - upper * upper * upper) - cubeOfLower) * inverse2 * (1.0 / 3);
+    const double cubeRest = lower * (3 * (upper * root) + lower * lower);
+    root += ((m - upper * upper * upper) - cubeRest) * inverse2 * (1.0 / 3);
     return std::copysign(root * power, x);
 }
 
@@ -96,7 +96,8 @@ inline double arcCosine(double x) {
 // The cosine of a third of an angle, which lies between 0 and six turns. Thus the third is not rounded on the way.
 inline double cosineOfThird(double angle) {
     constexpr double kStep = 4.712388980318792, kStepRest = 6.589769336825097e-11;  // three quarters of a turn
-    const int quarters = static_cast<int>(angle * 0.2122065907891938 + 0.5);
+    const double steps = angle * 0.2122065907891938 + 0.5;
+    const int quarters = static_cast<int>(steps);
     const double x = ((angle - quarters * kStep) - quarters * kStepRest) * (1.0 / 3), z = x * x, z2 = z * z;
     const double sines = (-0.16666666666666666 + z * 0.008333333333330948) +
                          z2 * ((-0.00019841269836758528 + z * 2.7557316102528646e-06) +

@@ -3,7 +3,6 @@
 #include "WideRegEx.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <stdexcept>
 
@@ -28,8 +27,10 @@ struct TooMuch : std::runtime_error {
 
 [[noreturn, gnu::cold]] void refuse(const char* reason) { throw TooMuch(reason); }
 
-inline void checkStack(std::uintptr_t lowest) {
-    if (reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)) < lowest) refuse("the stack is at its end");
+inline void check(Bounds& left) {
+    if (reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)) < left.lowestStack)
+        refuse("the stack is at its end");
+    if (left.steps-- == 0) refuse("it takes too long");
 }
 
 // What an iterator over units offers, one wide character a unit; Derived adds the checks.
@@ -68,19 +69,20 @@ protected:
     const Unit* m_at = nullptr;
 };
 
-// Each step of the parser reads a character.
+// The parser goes into a group, or stays where it is, only at one of a few characters.
 class PatternIterator : public UnitIterator<PatternIterator> {
 public:
     PatternIterator() = default;
-    PatternIterator(const Unit* at, std::uintptr_t lowestStack) : UnitIterator(at), m_lowestStack(lowestStack) {}
+    PatternIterator(const Unit* at, Bounds& left) : UnitIterator(at), m_left(&left) {}
 
     wchar_t operator*() const {
-        checkStack(m_lowestStack);
-        return *m_at;
+        const Unit c = *m_at;
+        if ((c & ~3) == 0x28 || (c | 0x44) == 0x7F) check(*m_left);  // ( ) * + or ? {
+        return c;
     }
 
 private:
-    std::uintptr_t m_lowestStack = 0;
+    Bounds* m_left = nullptr;
 };
 
 // Every way back is a copy that waits on the stack; every way forward reads a character.
@@ -89,22 +91,16 @@ public:
     TextIterator() = default;
     TextIterator(const Unit* at, Bounds& left) : UnitIterator(at), m_left(&left) {}
     TextIterator(const TextIterator& other) : UnitIterator(other), m_left(other.m_left) {
-        if (m_left == nullptr) return;
-        checkStack(m_left->lowestStack);
-        countStep();
+        if (m_left != nullptr) check(*m_left);
     }
     TextIterator& operator=(const TextIterator&) = default;
 
     wchar_t operator*() const {
-        countStep();
+        if (m_left->steps-- == 0) refuse("it takes too long");
         return *m_at;
     }
 
 private:
-    void countStep() const {
-        if (m_left->steps-- == 0) refuse("the match takes too long");
-    }
-
     Bounds* m_left = nullptr;
 };
 
@@ -124,8 +120,25 @@ struct Traits : cpp_regex_traits<wchar_t> {
 constexpr std::size_t kStackPerOperator = 512;  // four times as much as optimised code takes
 constexpr std::size_t kStackReserve = 0x10000;  // for what is called on the way, and for throwing
 
+bool isOperator(Unit c) {
+    switch (c) {
+        case '.':
+        case '^':
+        case '$':
+        case '|':
+        case '(':
+        case ')':
+        case '[':
+        case '\\':
+        case '*':
+        case '+':
+        case '?':
+        case '{': return true;
+        default: return false;
+    }
+}
+
 std::size_t uncheckedStack(Text pattern) {
-    const auto isOperator = [](Unit c) { return c != 0 && c < 0x80 && std::strchr(".^$|()[\\*+?{", c) != nullptr; };
     const auto operators = std::count_if(pattern.units, pattern.units + pattern.length, isOperator);
     return kStackReserve + kStackPerOperator * static_cast<std::size_t>(operators);
 }
@@ -134,11 +147,11 @@ std::size_t uncheckedStack(Text pattern) {
 
 bool matchWhole(Text pattern, Text text, Bounds bounds, Take take, void* taker) {
     bounds.lowestStack += uncheckedStack(pattern);
-    checkStack(bounds.lowestStack);
+    check(bounds);
 
     regex_compiler<TextIterator, Traits> compiler;
-    const auto expression = compiler.compile(PatternIterator(pattern.units, bounds.lowestStack),
-                                             PatternIterator(pattern.units + pattern.length, bounds.lowestStack));
+    const auto expression = compiler.compile(PatternIterator(pattern.units, bounds),
+                                             PatternIterator(pattern.units + pattern.length, bounds));
     const TextIterator begin(text.units, bounds), end(text.units + text.length, bounds);
     match_results<TextIterator> found;
     if (!regex_match(begin, end, found, expression)) return false;

@@ -415,8 +415,8 @@ BOOL GetFileVersionInfoW(const wchar_t* path, DWORD handle, DWORD size, void* bl
 //
 // Paths are separated by backslashes, of which several count as one, and one at the end as none. Names keep their case
 // and compare without it, whatever the locale. A key's name has 1 to 255 units, a value's up to 16383; keys are at most
-// 512 levels deep. The default value is named by an empty text or null. Every service answers ERROR_SUCCESS or the error
-// number, and nothing else changes where it fails, but that *result is null.
+// 512 levels deep. The default value is named by an empty text or null. Every service answers ERROR_SUCCESS or the
+// error number, and nothing else changes where it fails, but that *result is null.
 using LSTATUS = LONG;
 using HKEY = struct HKEY__*;
 using REGSAM = DWORD;

@@ -87,6 +87,7 @@ TEST(Solvers, AnswerTheRootsInTheirOrder) {
         {"two double", {1, 0, -8, 0, 16}, {-2, 2}}, {"fourfold", {1, -12, 54, -108, 81}, {3}},
         {"triple and 4", {1, -7, 15, -13, 4}, {1, 4}}, {"times 1e150", {1e150, -1e151, 35e150, -5e151, 24e150}, {3, 4, 1, 2}},
         {"quartic with NaN", {1, 1, 1, kNaN, 1}, {}}, {"q is zero", {1, 0, -37, 0, 36}, {-6, -1, 1, 6}},
+        {"q^2 below the tolerance", {1, 0.07, -0.031, -0.0011, 2e-5}, {}},
         {"q is zero, g is not", {1, 2, -23, 12, 36}, {-6, -1, 2, 3}}};
     // clang-format on
     const auto isEqual = [](double a, double b) { return a == b || std::fabs(a - b) <= 1e-15 * std::fabs(b); };
@@ -120,7 +121,8 @@ TEST(QuarticSolver, FindsTheRootsOfFactorsWithEqualLastCoefficients) {
     // x1 x2 = x3 x4: rounding alone would decide whether these have roots.
     Random random;
     for (int i = 0; i < 3000; ++i) {
-        const double size = std::exp(5 + random.upTo(4)), ratio = 1.5 + random.upTo(0.4), other = 3 + random.upTo(0.8);
+        const double size = std::exp(5 + random.upTo(4)), ratio = std::exp(2.5 + random.upTo(2.4)),
+                     other = 3 + random.upTo(0.8);
         const double root = size * (1.2 + random.upTo(1));
         const Numbers opposite{-size, size, -size * ratio, size * ratio};
         const Numbers four{-size, -size * ratio * other, size * ratio, size * other};

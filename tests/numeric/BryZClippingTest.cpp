@@ -22,6 +22,5 @@ TEST(BryZClipping, ComparesModeAndBothLimitsExactly) {
     for (const BryZClipping& other : {BryZClipping(seven, 20, -20), BryZClipping(zero, -20, 20), notANumber,
                                       BryZClipping(zero, 20.0000000001, -20), BryZClipping(zero, 20, -20.0000000001)})
         EXPECT_TRUE((clipping == other) == 0 && (clipping != other) == 1) << other.m_clipUpper << other.m_clipLower;
-    const BryZClipping copy(notANumber);
-    EXPECT_TRUE((copy == notANumber) == 0 && (copy != notANumber) == 1);
+    EXPECT_TRUE((BryZClipping(notANumber) == notANumber) == 0 && (BryZClipping(notANumber) != notANumber) == 1);
 }
