@@ -18,7 +18,7 @@ BryString csvLine(const MarkedPart& marked) {
     const NcPart& part = marked.part;
     BryString line;
     line.format(L"%s,%s,%s,%s,%s,%s,%s,%s\n", csvField(marked.mark).getStringW(), csvField(part.profile).getStringW(),
-                csvField(part.code).getStringW(), csvField(part.steel).getStringW(),
+                csvField(part.section.getProftypeString()).getStringW(), csvField(part.steel).getStringW(),
                 hundredthsText(part.length).getStringW(), countText(marked.quantity).getStringW(),
                 hundredthsText(marked.weight()).getStringW(), csvField(joined(marked.files)).getStringW());
     return line;

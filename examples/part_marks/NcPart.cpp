@@ -1,6 +1,7 @@
 #include "NcPart.h"
 
 #include <roots/files/BryFileAccess.h>
+#include <roots/numeric/BryDouble.h>
 
 #include <algorithm>
 #include <cstring>
@@ -111,6 +112,7 @@ enum class Kind {
     unread,  // not part of the content
     quantity,
     name,  // a text that must be there
+    code,  // of the profile, as name
     text,
     lengths,  // a number, or two with a comma between them
     number,
@@ -121,35 +123,36 @@ enum class Kind {
 struct HeaderLine {
     const wchar_t* name;
     Kind kind;
-    BryString NcPart::*text;
-    double NcPart::*number;
+    BryString NcPart::*text = nullptr;
+    double NcPart::*number = nullptr;
+    BryProfTypeDSTVValues& (BryProfTypeDSTVValues::*setDimension)(const double&) = nullptr;
 };
 
 constexpr HeaderLine headerLines[] = {
-    {L"order", Kind::unread, nullptr, nullptr},
-    {L"drawing", Kind::unread, nullptr, nullptr},
-    {L"phase", Kind::unread, nullptr, nullptr},
-    {L"piece identification", Kind::unread, nullptr, nullptr},
-    {L"steel quality", Kind::text, &NcPart::steel, nullptr},
-    {L"quantity", Kind::quantity, nullptr, nullptr},
-    {L"profile", Kind::name, &NcPart::profile, nullptr},
-    {L"profile code", Kind::name, &NcPart::code, nullptr},
+    {L"order", Kind::unread},
+    {L"drawing", Kind::unread},
+    {L"phase", Kind::unread},
+    {L"piece identification", Kind::unread},
+    {L"steel quality", Kind::text, &NcPart::steel},
+    {L"quantity", Kind::quantity},
+    {L"profile", Kind::name, &NcPart::profile},
+    {L"profile code", Kind::code},
     {L"length", Kind::lengths, nullptr, &NcPart::length},
-    {L"profile height", Kind::number, nullptr, &NcPart::height},
-    {L"flange width", Kind::number, nullptr, nullptr},
-    {L"flange thickness", Kind::number, nullptr, &NcPart::thickness},
-    {L"web thickness", Kind::number, nullptr, nullptr},
-    {L"radius", Kind::number, nullptr, nullptr},
+    {L"profile height", Kind::number, nullptr, nullptr, &BryProfTypeDSTVValues::setH1},
+    {L"flange width", Kind::number, nullptr, nullptr, &BryProfTypeDSTVValues::setB1},
+    {L"flange thickness", Kind::number, nullptr, nullptr, &BryProfTypeDSTVValues::setTG},
+    {L"web thickness", Kind::number, nullptr, nullptr, &BryProfTypeDSTVValues::setTS},
+    {L"radius", Kind::number, nullptr, nullptr, &BryProfTypeDSTVValues::setR1},
     {L"weight per metre", Kind::number, nullptr, &NcPart::weightPerMetre},
-    {L"painting surface per metre", Kind::optionalNumber, nullptr, nullptr},
-    {L"web start cut angle", Kind::optionalNumber, nullptr, nullptr},
-    {L"web end cut angle", Kind::optionalNumber, nullptr, nullptr},
-    {L"flange start cut angle", Kind::optionalNumber, nullptr, nullptr},
-    {L"flange end cut angle", Kind::optionalNumber, nullptr, nullptr},
-    {L"first text line", Kind::note, nullptr, nullptr},
-    {L"second text line", Kind::note, nullptr, nullptr},
-    {L"third text line", Kind::note, nullptr, nullptr},
-    {L"fourth text line", Kind::note, nullptr, nullptr},
+    {L"painting surface per metre", Kind::optionalNumber},
+    {L"web start cut angle", Kind::optionalNumber},
+    {L"web end cut angle", Kind::optionalNumber},
+    {L"flange start cut angle", Kind::optionalNumber},
+    {L"flange end cut angle", Kind::optionalNumber},
+    {L"first text line", Kind::note},
+    {L"second text line", Kind::note},
+    {L"third text line", Kind::note},
+    {L"fourth text line", Kind::note},
 };
 constexpr int headerLineCount = static_cast<int>(sizeof headerLines / sizeof headerLines[0]);
 
@@ -162,7 +165,26 @@ bool mayHeaderEndAt(int i) {
 bool isFreeText(int i) {
     if (i >= headerLineCount) return false;
     const Kind kind = headerLines[i].kind;
-    return kind == Kind::unread || kind == Kind::name || kind == Kind::text;
+    return kind == Kind::unread || kind == Kind::name || kind == Kind::code || kind == Kind::text;
+}
+
+BryProfTypeDSTVValues::eDSTVType typeOfCode(const BryString& code) {
+    BryProfTypeDSTVValues section;
+    for (int i = BryProfTypeDSTVValues::eDSTV_I; i <= BryProfTypeDSTVValues::eDSTV_CSE; ++i) {
+        section.setDSTVType(static_cast<BryProfTypeDSTVValues::eDSTVType>(i));
+        if (section.getProftypeString() == code) return section.getDSTVType();
+    }
+    return BryProfTypeDSTVValues::eDSTV_SO;
+}
+
+// The text of a number as the nearest multiple of step, which is above 0. One with so many steps that no multiple is
+// meant stays as it is.
+BryString roundedText(Range number, double step) {
+    constexpr double mostSteps = 2e9;
+    double value = 0;
+    if (!parseNumber(number, value) || value / step > mostSteps) return number.text();
+    BryString text;
+    return text.format(L"%.6f", BryDouble::round(value, 6, step));
 }
 
 // A line of a block of marking texts.
@@ -205,8 +227,12 @@ private:
 // Reads one text; each step is false where it has named what is wrong.
 class PartReader {
 public:
-    PartReader(const BryString& text, NcPart& part, NcError& error)
-        : m_lines(text), m_line{{text.getStringW(), text.getStringW()}, 1}, m_part(part), m_error(error) {}
+    PartReader(const BryString& text, NcPart& part, NcError& error, double tolerance)
+        : m_lines(text),
+          m_line{{text.getStringW(), text.getStringW()}, 1},
+          m_part(part),
+          m_error(error),
+          m_tolerance(tolerance) {}
 
     bool read() {
         m_part = NcPart();
@@ -250,7 +276,9 @@ private:
             case Kind::note: return true;
             case Kind::quantity: return takeQuantity(value);
             case Kind::name:
+            case Kind::code:
                 if (value.isEmpty()) return fail(BryString(L"the ") + line.name + L" is missing");
+                if (line.kind == Kind::code) m_part.section.setDSTVType(typeOfCode(value.text()));
                 break;
             case Kind::text: break;
             case Kind::lengths:
@@ -264,6 +292,7 @@ private:
                 break;
         }
         if (line.text) m_part.*line.text = value.text();
+        m_rounds = line.kind == Kind::lengths;
         addContent(value);
         return true;
     }
@@ -290,14 +319,19 @@ private:
         double number = 0;
         if (!parseNumber(value, number))
             return fail(BryString(L"the ") + line.name + L" is no number: " + quoted(value));
-        if (!line.number) return true;
-        m_part.*line.number = number;
+        if (line.number)
+            m_part.*line.number = number;
+        else if (line.setDimension)
+            (m_part.section.*line.setDimension)(number);
+        else
+            return true;
         return number >= 0 || fail(BryString(L"the ") + line.name + L" is negative: " + quoted(value));
     }
 
     // From the code of the first block to the one that ends the file.
     bool readBlocks() {
         bool hasTexts = false;
+        m_rounds = true;
         while (!m_line.isCode(L"EN")) {
             if (!checkCharacters()) return false;
             if (m_line.isBlockCode()) hasTexts = m_line.isMarkingCode();
@@ -335,8 +369,31 @@ private:
         for (long i = 0; i < m_words.length(); ++i) {
             const BryString& word = m_words[i];
             if (i > 0 && (everyBlankCounts || keepsApart(m_content.back(), word[0]))) m_content.push_back(L' ');
-            m_content.insert(m_content.end(), word.getStringW(), word.getStringW() + word.length());
+            addWord({word.getStringW(), word.getStringW() + word.length()},
+                    m_rounds && m_tolerance > 0 && !everyBlankCounts);
         }
+    }
+
+    void addWord(Range word, bool rounds) {
+        while (rounds && !word.isEmpty()) {
+            const wchar_t* const number = std::find_if(word.begin, word.end, isNumberUnit);
+            m_content.insert(m_content.end(), word.begin, number);
+            word.begin = std::find_if_not(number, word.end, isNumberUnit);
+            if (number != word.begin) addRounded({number, word.begin});
+        }
+        m_content.insert(m_content.end(), word.begin, word.end);
+    }
+
+    void addRounded(Range number) {
+        const BryString text = roundedText(number, m_tolerance);
+        if (text == L"0.000000" && !m_content.empty() && m_content.back() == L'-') dropSign();
+        m_content.insert(m_content.end(), text.getStringW(), text.getStringW() + text.length());
+    }
+
+    // What rounds to zero has no sign. It kept the number from the one before it.
+    void dropSign() {
+        m_content.pop_back();
+        if (!m_content.empty() && isNumberUnit(m_content.back())) m_content.push_back(L' ');
     }
 
     // Whether a blank between the two counts.
@@ -367,6 +424,8 @@ private:
     Line m_line;
     NcPart& m_part;
     NcError& m_error;
+    const double m_tolerance;
+    bool m_rounds = false;  // whether numbers of the line are to be rounded
     std::vector<wchar_t> m_content;
     const BryString m_blanks = L" \t";
     BryArray<BryString> m_words;  // of the stretch that is being added
@@ -392,9 +451,11 @@ bool checkBytes(const BryFileAccess& file, long size, NcError& error) {
 
 }  // namespace
 
-bool readPartText(const BryString& text, NcPart& part, NcError& error) { return PartReader(text, part, error).read(); }
+bool readPartText(const BryString& text, NcPart& part, NcError& error, double tolerance) {
+    return PartReader(text, part, error, tolerance).read();
+}
 
-bool readPartFile(const BryString& path, NcPart& part, NcError& error) {
+bool readPartFile(const BryString& path, NcPart& part, NcError& error, double tolerance) {
     // Binary: what the file has, not what a text stream makes of it. The marks of encodings are readFile()'s affair.
     BryFileAccess file(path, L"rb", BryFileAccess::encodeANSI);
     if (!file.isOpen()) return fileFails(error, L"cannot be opened");
@@ -405,5 +466,5 @@ bool readPartFile(const BryString& path, NcPart& part, NcError& error) {
     BryString text;
     file.seek(0, SEEK_SET);
     file.readFile(text, static_cast<unsigned>(size));
-    return readPartText(text, part, error);
+    return readPartText(text, part, error, tolerance);
 }

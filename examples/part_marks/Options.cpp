@@ -1,6 +1,9 @@
 #include "Options.h"
 
+#include "FileAges.h"
 #include "Settings.h"
+
+#include <roots/numeric/BryRegExWrapper.h>
 
 const char* const helpText =
     R"(Usage: part_marks [options] FOLDER|FILE...
@@ -28,6 +31,13 @@ Options
                             (a folder) of this command line for later ones that
                             do not give them. FOLDER|FILE may be left out
       --no-settings         as if nothing had been saved
+      --match REGEX         only parts whose file name or profile is all of the
+                            regular expression: --match "b1.*|IPE ?200"
+      --tolerance MM        lengths, and the numbers of the blocks, are the same
+                            if they round to the same multiple of MM
+      --since TIME          also says which files are newer or older, by how
+                            much: 2026-05-31 or "2026-05-31 14:30:05"
+      --dialog              shows the progress in the library's dialog
       --no-subfolders       only the files of the folders themselves
       --log FILE            what is read, what is wrong with it and what comes
                             out of it, also into this file
@@ -85,12 +95,20 @@ Exit status
   0  all done
   1  done, but some files or folders could not be read or are no part files;
      each is named on the error stream as FILE:LINE: REASON. Or --max has left
-     parts without a mark, or the log or the list of modules is not complete
+     parts without a mark, the log or the list of modules is not complete, or
+     Ctrl-C has canceled the reading, and the list is of what was read until then
   2  wrong usage, no part was read, or the list could not be written (marks.csv
      is then as it was); or this program's own text could not be written
 )";
 
 namespace {
+
+bool matches(const BryString& expression, const BryString& text) {
+    BryRegExWrapper wrapper;
+    BryArray<BryString, BryArrayObjectCopyReallocator<BryString>, BryArrayMemoryController<BryString>> texts;
+    wrapper.setRegularExpression(expression);
+    return wrapper.match(text, texts);
+}
 
 class Parser {
 public:
@@ -134,10 +152,14 @@ private:
         if (name == L"--prefix") return takeValue(name) && takePrefix();
         if (name == L"--exclude") return takeValue(name) && takeExclude();
         if (name == L"--max") return takeValue(name) && takeMax();
+        if (name == L"--match") return takeValue(name) && takeMatch();
+        if (name == L"--tolerance") return takeValue(name) && takeTolerance();
+        if (name == L"--since") return takeValue(name) && takeSince();
         if (name == L"--log") return takeValue(name) && takeFile(name, m_options.log);
         if (name == L"--modules") return takeValue(name) && takeFile(name, m_options.modules);
         if (m_hasValue) return fail(BryString(L"unknown option, or one that takes no value: ") + name);
         if (name == L"--no-subfolders") return takeFlag(m_options.withSubfolders, false);
+        if (name == L"--dialog") return takeFlag(m_options.withDialog, true);
         if (name == L"--save") return takeFlag(m_options.save, true);
         if (name == L"--no-settings") return takeFlag(m_options.withSettings, false);
         if (name == L"--timing") return takeFlag(m_options.withTimes, true);
@@ -211,6 +233,26 @@ private:
         const bool isTaken =
             m_options.marks.limit > 0 && m_value == BryString::integerToString(m_options.marks.limit, 10);
         return isTaken || fail(L"--max needs a whole number from 1 to 2147483647");
+    }
+
+    // The empty text is matched by what stands behind the bar, if what stands before it is an expression.
+    bool takeMatch() {
+        m_options.match = m_value;
+        return (!m_value.isEmpty() && matches(m_value + L"|", L"")) ||
+               fail(BryString(L"--match ") + m_value + L": no regular expression");
+    }
+
+    bool takeTolerance() {
+        m_options.tolerance = m_value.toDouble();
+        return (matches(L"\\d+(\\.\\d+)?", m_value) && m_options.tolerance >= 0.001 && m_options.tolerance <= 1000) ||
+               fail(L"--tolerance needs a length in mm, from 0.001 to 1000");
+    }
+
+    bool takeSince() {
+        m_options.hasSince = true;
+        m_options.sinceText = m_value;
+        return parseTime(m_value, m_options.since) ||
+               fail(L"--since needs a time: 2026-05-31 or \"2026-05-31 14:30:05\"");
     }
 
     bool checkMarks() {

@@ -3,6 +3,8 @@
 
 #include "PartMarks.h"
 
+#include <roots/platform/Win32.h>
+
 struct Options {
     bool help = false;
     bool withSubfolders = true;
@@ -13,6 +15,12 @@ struct Options {
     BryString log;                                              // empty for none, as the next
     BryString modules;
     bool withTimes = false;
+    bool withDialog = false;
+    double tolerance = 0;  // mm; 0 for none
+    BryString match;       // a regular expression; empty for none
+    bool hasSince = false;
+    BryString sinceText;
+    SYSTEMTIME since = {};
     MarkSettings marks;
     std::vector<BryString> inputs;
 };

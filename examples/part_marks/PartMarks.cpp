@@ -160,7 +160,7 @@ void PartMarks::add(const NcPart& part, const BryString& file) {
 
 std::set<BryString> PartMarks::codes() const {
     std::set<BryString> codes;
-    for (const MarkedPart& part : m_parts) codes.insert(part.part.code);
+    for (const MarkedPart& part : m_parts) codes.insert(part.part.section.getProftypeString());
     return codes;
 }
 
@@ -169,8 +169,9 @@ std::vector<MarkedPart> PartMarks::mark(const MarkSettings& settings) const {
     Creators creators(settings);
     Counters counters(settings);
     for (MarkedPart& part : marked) {
-        const auto prefix = settings.prefix.find(part.part.code);
-        part.prefix = prefix == settings.prefix.end() ? part.part.code : prefix->second;
+        const BryString code = part.part.section.getProftypeString();
+        const auto prefix = settings.prefix.find(code);
+        part.prefix = prefix == settings.prefix.end() ? code : prefix->second;
         part.mark = settings.withCounter ? counters.nextMark(part.prefix) : creators.nextMark(part.prefix);
     }
     std::stable_sort(marked.begin(), marked.end(),

@@ -1,9 +1,14 @@
 #include "Program.h"
 
+#include "FileAges.h"
+#include "FileNames.h"
 #include "MarksFile.h"
 #include "Options.h"
 #include "PartFiles.h"
 #include "Printing.h"
+#include "Progress.h"
+#include "ProgressDialog.h"
+#include "ProgressLine.h"
 #include "RunLog.h"
 #include "Settings.h"
 #include "Summary.h"
@@ -12,13 +17,12 @@
 
 #include <roots/Version.h>
 #include <roots/files/BryFileAccess.h>
+#include <roots/numeric/BryRegExWrapper.h>
 
 #include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <set>
-#include <system_error>
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -31,47 +35,6 @@ int usageError(std::FILE* errors, const BryString& error) {
     return failed;
 }
 
-// As the library takes the name: a backslash for a slash, points and blanks at its end for nothing.
-BryString fileName(BryString name) {
-    name.replace(BryString(L"\\"), L"/");
-    while (name.length() > 1 && (name.right(1) == L"." || name.right(1) == L" ")) name = name.left(name.length() - 1);
-    return name;
-}
-
-BryString outputFile(BryString output) {
-    if (output.isEmpty()) return L"marks.csv";
-    output.replace(BryString(L"\\"), L"/");
-    std::error_code error;
-    if (fs::is_directory(toPath(output), error)) return toText(toPath(output) / "marks.csv");
-    return fileName(output);
-}
-
-bool isSameFile(const BryString& file, const BryString& other) {
-    std::error_code error;
-    return fs::equivalent(toPath(file), toPath(other), error);
-}
-
-bool exists(const BryString& file) {
-    std::error_code error;
-    return fs::exists(toPath(file), error);
-}
-
-bool isOneOf(const std::vector<BryString>& files, const BryString& file) {
-    const auto isSame = [&file](const BryString& other) { return isSameFile(file, other); };
-    return exists(file) && std::any_of(files.begin(), files.end(), isSame);
-}
-
-void removeBehindLinks(const BryString& file) {
-    std::error_code error;
-    fs::remove(fs::canonical(toPath(file), error), error);
-}
-
-// Anything else, such as a pipe, might never end, or keep nothing.
-bool mayBeFile(const BryString& file) {
-    std::error_code error;
-    return !exists(file) || fs::is_regular_file(toPath(file), error);
-}
-
 // The status where all that was printed has reached its place.
 int flushed(std::FILE* output, std::FILE* errors, int status) {
     if (isFlushed(output)) return status;
@@ -79,11 +42,18 @@ int flushed(std::FILE* output, std::FILE* errors, int status) {
     return failed;
 }
 
+bool matches(const BryRegExWrapper& expression, const BryString& text) {
+    BryArray<BryString, BryArrayObjectCopyReallocator<BryString>, BryArrayMemoryController<BryString>> texts;
+    return expression.match(text, texts);
+}
+
 // A run with options that fit each other.
 class Run {
 public:
     Run(const Options& options, std::FILE* output, std::FILE* errors)
-        : m_options(options), m_output(output), m_errors(errors) {}
+        : m_options(options), m_output(output), m_errors(errors) {
+        m_match.setRegularExpression(options.match);
+    }
 
     int run() {
         m_marksFile = outputFile(m_options.output);
@@ -95,7 +65,8 @@ public:
         if (clash.isEmpty()) clash = makeFiles();
         if (!clash.isEmpty()) return usageError(m_errors, clash);
 
-        const int status = markParts();
+        showSteps();
+        const int status = tellResults();
         listModules();
         if (!m_log.finish()) lack(m_logFile, L"the log is not complete (is the disk full?)");
         return flushed(m_output, m_errors, status == allDone && m_lacksFile ? someFailed : status);
@@ -149,40 +120,74 @@ private:
         m_modulesFile.empty();
     }
 
-    int markParts() {
-        PartMarks read;
-        m_log.start(L"reading");
-        readParts(read);
-        m_log.end(L"reading");
-        m_log.start(L"marking");
-        const std::vector<MarkedPart> parts = read.mark(withSavedPrefixes(read.codes()));
-        m_log.end(L"marking");
-
-        for (const FileProblem& problem : m_problems) tell(problemText(problem));
-        const std::string limits = limitsText(parts, m_options.marks.limit);
-        tell(limits);
-        if (parts.empty()) {
-            tell("part_marks: no part was read, nothing is written\n");
-            return failed;
+    // A step that is shown, with its times in the log.
+    class Step : public Progress::Step {
+    public:
+        Step(Run& run, const wchar_t* name, int from, int to)
+            : Progress::Step(*run.m_progress, name, from, to), m_log(run.m_log), m_name(name) {
+            m_log.start(m_name);
         }
-        if (!writeMarks(parts)) return failed;
-        m_log.add(countsText(parts, m_problems.size()));
-        print(m_output, summaryText(parts, m_problems.size()));
-        print(m_output, "  Written: " + stringToUtf8(m_marksFile) + "\n\n");
-        return m_problems.empty() && limits.empty() ? allDone : someFailed;
+        ~Step() { m_log.end(m_name); }
+
+    private:
+        RunLog& m_log;
+        const wchar_t* m_name;
+    };
+
+    // Nothing else is written to the terminal meanwhile.
+    void showSteps() {
+        if (m_options.withDialog) {
+            ProgressDialog dialog;
+            const ShownOn shown(dialog);
+            doSteps();
+        } else {
+            Terminal terminal(m_errors);
+            ProgressLine line(terminal);
+            const ShownOn shown(line);
+            doSteps();
+        }
+    }
+
+    void doSteps() {
+        m_progress.emplace(L"part_marks");
+        readParts();
+        markParts();
+        if (!m_parts.empty()) writeMarks();
+        m_progress.reset();
     }
 
     // What is wrong with one is added to the problems, the others are done all the same.
-    void readParts(PartMarks& parts) {
-        for (const BryString& file : m_files) {
+    void readParts() {
+        Step step(*this, L"reading", 0, 80);
+        for (std::size_t i = 0; i < m_files.size() && step.advance(i, m_files.size()); ++i) {
+            const BryString& file = m_files[i];
             m_log.add("reads " + stringToUtf8(file));
+            ++m_readCount;
             NcPart part;
             NcError error;
-            if (readPartFile(file, part, error))
-                parts.add(part, file);
-            else
+            if (!readPartFile(file, part, error, m_options.tolerance))
                 m_problems.push_back({file, error.line, error.reason});
+            else if (isWanted(file, part))
+                m_read.emplace_back(part, file);
+            else
+                m_hasUnwanted = true;
         }
+    }
+
+    bool isWanted(const BryString& file, const NcPart& part) const {
+        return m_options.match.isEmpty() || matches(m_match, toText(toPath(file).filename())) ||
+               matches(m_match, part.profile);
+    }
+
+    void markParts() {
+        PartMarks marks;
+        {
+            Step step(*this, L"comparing", 80, 85);
+            for (std::size_t i = 0; i < m_read.size(); step.advance(++i, m_read.size()))
+                marks.add(m_read[i].first, m_read[i].second);
+        }
+        const Step step(*this, L"marking", 85, 95);
+        m_parts = marks.mark(withSavedPrefixes(marks.codes()));
     }
 
     MarkSettings withSavedPrefixes(const std::set<BryString>& codes) const {
@@ -194,16 +199,43 @@ private:
         return marks;
     }
 
-    bool writeMarks(const std::vector<MarkedPart>& parts) {
-        BryString error;
-        m_log.start(L"writing");
-        const bool isWritten = writeMarksFile(m_marksFile, parts, error);
-        m_log.end(L"writing");
-        if (isWritten)
-            m_log.add("has written " + stringToUtf8(m_marksFile));
-        else
-            tell(problemText({m_marksFile, 0, error}));
-        return isWritten;
+    void writeMarks() {
+        const Step step(*this, L"writing", 95, 100);
+        m_isWritten = writeMarksFile(m_marksFile, m_parts, m_writeError);
+    }
+
+    int tellResults() {
+        for (const FileProblem& problem : m_problems) tell(problemText(problem));
+        const std::string limits = limitsText(m_parts, m_options.marks.limit);
+        tell(limits);
+        const bool isCanceled = m_readCount < m_files.size();
+        if (isCanceled)
+            tell("part_marks: canceled when " + std::to_string(m_readCount) + " of " + std::to_string(m_files.size()) +
+                 " files were read\n");
+        if (m_parts.empty()) {
+            tell(m_hasUnwanted ? "part_marks: no part matches --match, nothing is written\n"
+                               : "part_marks: no part was read, nothing is written\n");
+            return failed;
+        }
+        if (!m_isWritten) {
+            tell(problemText({m_marksFile, 0, m_writeError}));
+            return failed;
+        }
+        m_log.add("has written " + stringToUtf8(m_marksFile));
+        m_log.add(countsText(m_parts, m_problems.size()));
+        print(m_output, summaryText(m_parts, m_problems.size()));
+        if (m_options.hasSince) showAges();
+        print(m_output, "  Written: " + stringToUtf8(m_marksFile) + "\n\n");
+        return m_problems.empty() && limits.empty() && !isCanceled ? allDone : someFailed;
+    }
+
+    void showAges() {
+        std::vector<BryString> files;
+        for (const auto& read : m_read) files.push_back(read.second);
+        const std::string ages =
+            "  Since " + stringToUtf8(m_options.sinceText) + "\n" + agesText(files, m_options.since);
+        print(m_output, ages + "\n");
+        m_log.add(ages);
     }
 
     // A line that is cut off, or none at all, is what a full disk leaves.
@@ -232,11 +264,20 @@ private:
     const Options& m_options;
     std::FILE* m_output;
     std::FILE* m_errors;
+    BryRegExWrapper m_match;
     BryString m_marksFile, m_logFile, m_modulesFile;
     std::vector<BryString> m_files;
     std::vector<FileProblem> m_problems;
     RunLog m_log;
     bool m_lacksFile = false;  // the log or the list of modules, or a part of it
+
+    std::optional<Progress> m_progress;  // while the steps are done
+    std::size_t m_readCount = 0;         // of the files, those that are no parts too
+    std::vector<std::pair<NcPart, BryString>> m_read;
+    bool m_hasUnwanted = false;
+    std::vector<MarkedPart> m_parts;
+    bool m_isWritten = false;
+    BryString m_writeError;
 };
 
 }  // namespace

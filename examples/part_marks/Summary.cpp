@@ -99,7 +99,7 @@ std::string totalsTable(const std::vector<MarkedPart>& parts) {
     std::map<BryString, Totals> byCode;
     Totals all;
     for (const MarkedPart& part : parts) {
-        byCode[part.part.code].add(part);
+        byCode[part.part.section.getProftypeString()].add(part);
         all.add(part);
     }
     Table table("lrrr");
@@ -115,9 +115,10 @@ std::size_t countWeightsPerSquareMetre(const std::vector<MarkedPart>& parts) {
     const auto isPerSquareMetre = [](const MarkedPart& marked) {
         constexpr double steel = 7.85;  // kg for a square metre of 1 mm
         const NcPart& part = marked.part;
-        const double perSquareMetre = part.thickness * steel;
-        return part.code == L"B" && std::abs(part.weightPerMetre - perSquareMetre) < 0.05 * perSquareMetre &&
-               std::abs(part.height - 1000) > 100;
+        const double perSquareMetre = part.section.getTG() * steel;
+        return part.section.getDSTVType() == BryProfTypeDSTVValues::eDSTV_B &&
+               std::abs(part.weightPerMetre - perSquareMetre) < 0.05 * perSquareMetre &&
+               std::abs(part.section.getH1() - 1000) > 100;
     };
     return static_cast<std::size_t>(std::count_if(parts.begin(), parts.end(), isPerSquareMetre));
 }

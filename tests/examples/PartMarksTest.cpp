@@ -1,6 +1,7 @@
 #include "MarksFile.h"
 #include "Options.h"
 #include "Program.h"
+#include "Progress.h"
 #include "RunLog.h"
 #include "Summary.h"
 #include "Tracked.h"
@@ -15,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 
 namespace fs = std::filesystem;
 
@@ -24,7 +26,7 @@ namespace {
 // clang-format off
 const std::vector<BryString> goodLines = {
     L"ST", L"** a comment", L"  HALL 7", L"  D 1", L"  2", L"  b1", L"  S355J2", L"  4", L"  FL100x8", L"  B",
-    L"     250.00,251.00", L"     100.00", L"       8.00", L"       8.00", L"       8.00", L"       0.00",
+    L"     250.00,251.00", L"     100.00", L"       8.00", L"       8.00", L"       8.50", L"       0.50",
     L"      6.280", L"      0.216", L"      0.000", L"      0.000", L"      0.000", L"      0.000", L"  a note", L"",
     L"", L"", L"BO", L"  v     30.00s    50.00     18.00", L"SI", L"  v     20.00u    10.00      0.00  10 b 1", L"EN"};
 // clang-format on
@@ -43,10 +45,10 @@ BryString changed(std::size_t line, const wchar_t* with) {
     return joined(lines);
 }
 
-BryString contentOf(const BryString& text) {
+BryString contentOf(const BryString& text, double tolerance = 0) {
     NcPart part;
     NcError error;
-    EXPECT_TRUE(readPartText(text, part, error)) << error.line << ": " << error.reason.getStringA();
+    EXPECT_TRUE(readPartText(text, part, error, tolerance)) << error.line << ": " << error.reason.getStringA();
     return part.content;
 }
 
@@ -55,7 +57,7 @@ BryString marksOf(const BryString& codes, const MarkSettings& settings) {
     PartMarks parts;
     for (int i = 0; i < codes.length(); ++i) {
         NcPart part;
-        part.code = codes.mid(i, 1);
+        part.section.setDSTVType(codes[i] == L'I' ? BryProfTypeDSTVValues::eDSTV_I : BryProfTypeDSTVValues::eDSTV_U);
         part.content = BryString::integerToString(i, 10);
         parts.add(part, L"file");
     }
@@ -74,21 +76,26 @@ protected:
 
     int run(const std::vector<BryString>& arguments) { return run(arguments, std::tmpfile()); }
 
-    // The exit status; what is written to the error stream goes to m_errors.
+    // The exit status; what is written to the streams goes to m_output and m_errors.
     int run(std::vector<BryString> arguments, std::FILE* output) {
         std::FILE* const errors = std::tmpfile();
         if (!m_withSettings) arguments.insert(arguments.begin(), L"--no-settings");
         const int status = runProgram(arguments, output, errors);
-        std::rewind(errors);
-        m_errors.clear();
-        for (int c; (c = std::getc(errors)) != EOF;) m_errors += static_cast<char>(c);
-        std::fclose(output);
-        std::fclose(errors);
+        m_output = takeAll(output);
+        m_errors = takeAll(errors);
         return status;
     }
 
+    static std::string takeAll(std::FILE* file) {
+        std::string text;
+        std::rewind(file);
+        for (int c; (c = std::getc(file)) != EOF;) text += static_cast<char>(c);
+        std::fclose(file);
+        return text;
+    }
+
     TempFolder m_folder;
-    std::string m_errors;
+    std::string m_output, m_errors;
     bool m_withSettings = false;
 };
 
@@ -156,6 +163,31 @@ TEST(NcPartContent, TellsPartsApartByAllThatIsPhysical) {
     EXPECT_EQ(contentOf(joined(spaced)), content) << "no text lines, a blank line in a block";
 }
 
+TEST(NcPartContent, TakesLengthsWithinTheToleranceForTheSame) {
+    // clang-format off
+    const struct { std::size_t line; const wchar_t* with; bool isSame; } rows[] = {
+        {11, L"250.04,250.96", true}, {11, L"250.06,251.00", false}, {11, L"250.00,251.06", false}, {11, L"250,251", true},
+        {12, L"100.04", false}, {28, L"v 29.96s 50.04 18", true}, {28, L"v 30.06s 50.00 18.00", false},
+        {30, L"v 20.04u 10.00 -0.04 10 b 1", true}, {30, L"v 20.00u 10.00 0.00 10 b 1.04", false}};
+    // clang-format on
+    const BryString content = contentOf(joined(goodLines), 0.1);
+    for (const auto& row : rows)
+        EXPECT_EQ(contentOf(changed(row.line, row.with), 0.1) == content, row.isSame) << stringToUtf8(row.with);
+    const wchar_t* const huge = L"v 999999999.04s 50.00 18.00";
+    EXPECT_EQ(contentOf(changed(28, huge), 0.1).find(L"999999999.04s") > 0, true) << "too many steps";
+}
+
+TEST(NcPartSection, HasTypeAndDimensions) {
+    const std::pair<const wchar_t*, int> codes[] = {{L"B", 3}, {L"RO", 5}, {L"CSE", 17}, {L"i", 16}, {L"X", 16}};
+    for (const auto& [code, type] : codes) {
+        NcPart part;
+        NcError error;
+        EXPECT_TRUE(readPartText(changed(10, code), part, error) && part.section.getDSTVType() == type) << type;
+        EXPECT_TRUE(part.section.getH1() == 100 && part.section.getB1() == 8 && part.section.getTG() == 8);
+        EXPECT_TRUE(part.section.getTS() == 8.5 && part.section.getR1() == 0.5);
+    }
+}
+
 TEST(PartMarks, CountsEachPrefixForItself) {
     EXPECT_EQ(marksOf(L"UIUII", {}), L"I1 I2 I3 U1 U2 ");
     EXPECT_EQ(marksOf(L"UIUII", {false, L"099", {}}), L"I099 I100 I101 U099 U100 ");
@@ -209,7 +241,9 @@ TEST(MarksTable, WritesNumbersAndFieldsTheSameEverywhere) {
 }
 
 TEST(PartMarksOptions, AreTakenOrRefusedWithAReason) {
-    const wchar_t* const maxRange = L"--max needs a whole number from 1 to 2147483647";
+    const wchar_t *const maxRange = L"--max needs a whole number from 1 to 2147483647",
+                         *const mm = L"--tolerance needs a length in mm, from 0.001 to 1000",
+                         *const noTime = L"--since needs a time: 2026-05-31 or \"2026-05-31 14:30:05\"";
     // clang-format off
     const std::pair<std::vector<BryString>, const wchar_t*> rows[] = {
         {{L"-o", L"x.csv", L"--type=letter", L"--start", L"AA", L"--prefix", L"I=B=", L"--no-subfolders", L"nc"}, L""},
@@ -230,6 +264,11 @@ TEST(PartMarksOptions, AreTakenOrRefusedWithAReason) {
         {{L"--timing", L"nc"}, L"--timing needs --log"}, {{L"--log="}, L"--log needs a file"},
         {{L"--modules", std::string(256, 'x').c_str()}, L"--modules: the name has more than 255 characters"},
         {{L"--max", L"0"}, maxRange}, {{L"--max=2147483648"}, maxRange}, {{L"--max=3.0"}, maxRange},
+        {{L"--match=(b|c.*", L"nc"}, L"--match (b|c.*: no regular expression"},
+        {{L"--match=b\\", L"nc"}, L"--match b\\: no regular expression"}, {{L"--match=(b)|c.*", L"nc"}, L""},
+        {{L"--tolerance=0.001", L"nc"}, L""}, {{L"--tolerance=0"}, mm}, {{L"--tolerance", L"1x"}, mm},
+        {{L"--since=2024-02-29 23:59:59", L"nc"}, L""}, {{L"--since=2023-02-29"}, noTime}, {{L"--since=2024-1-1"}, noTime},
+        {{L"--since=2024-01-01 24:00"}, noTime},
         {{L"--help=no"}, L"unknown option, or one that takes no value: --help"}};
     // clang-format on
     for (auto [arguments, expected] : rows) {
@@ -321,6 +360,54 @@ TEST_F(PartMarksRun, LeavesTheOldMarksWhereItFails) {
     EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2) << "nothing but the marks and the folder";
 }
 
+TEST_F(PartMarksRun, TakesThePartsThatMatchAndSaysWhichAreNewer) {
+    for (const char* name : {"a.nc", "b1.nc", "b2.nc"}) put(std::string("nc/") + name, goodBytes);
+    fs::last_write_time("nc/b1.nc", fs::last_write_time("nc/a.nc") - std::chrono::hours(24 * 365 * 40));
+    EXPECT_EQ(run({L"nc", L"--match", L"b\\d[.]nc", L"--since", L"2001-01-01"}), 0);
+    const std::size_t ages = m_output.find("  Since 2001-01-01\n  older  nc/b1.nc (");
+    EXPECT_TRUE(ages < m_output.find(" days)\n  newer  nc/b2.nc (") && m_output.find("a.nc") > m_output.size())
+        << m_output;
+    EXPECT_EQ(run({L"nc", L"--match=FL.*"}), 0);
+    EXPECT_EQ(run({L"nc", L"--match=fl"}), 2);
+    EXPECT_EQ(m_errors, "part_marks: no part matches --match, nothing is written\n");
+}
+
+// Cancels when the first file was read: as a user does who presses Ctrl-C, or a button.
+struct Canceling : ProgressDisplayProtocol {
+    explicit Canceling(bool byKey) : isByKey(byKey) { key = manager().registerDisplay(this); }
+    ~Canceling() { manager().deRegisterDisplay(key); }
+    static BryProcessEvolutionManager& manager() { return *BryProcessEvolutionManager::getProcessEvolutionManager(); }
+
+    void progressChanged(int process, int percent) override {
+        if (process == 1 && percent == 33) isByKey ? void(std::raise(SIGINT)) : manager().cancelProcess();
+    }
+    void processRegistered(int process, BryString action, bool isCancelable) override {
+        told += stringToUtf8(action) + (isCancelable ? "! " : " ");
+        EXPECT_EQ(process > 0, action != L"part_marks");
+    }
+    void processDeRegistered(int process) override { told += std::to_string(process) + " "; }
+
+    bool isByKey;
+    int key;
+    std::string told;
+};
+
+TEST_F(PartMarksRun, WritesWhatItHasReadWhenItIsCanceled) {
+    for (const char* name : {"a", "b", "c"}) put(std::string("nc/") + name + ".nc", goodBytes);
+    for (const bool byKey : {false, true}) {
+        const Canceling display(byKey);
+        EXPECT_EQ(run({L"nc"}), 1);
+        EXPECT_EQ(m_errors, "part_marks: canceled when 1 of 3 files were read\n");
+        EXPECT_EQ(fileBytes("marks.csv"), heading + "B1,FL100x8,B,S355J2,250.00,4,6.28,nc/a.nc\r\n");
+        EXPECT_EQ(display.told, "part_marks! reading 0 1 0 ");
+    }
+    const Canceling display(false);
+    put("nc/c.nc", "");
+    fs::remove("nc/b.nc");
+    EXPECT_EQ(run({L"nc"}), 1);
+    EXPECT_EQ(display.told, "part_marks! reading 1 comparing 1 marking 1 writing 1 0 ");
+}
+
 TEST_F(PartMarksRun, TakesWhatWasSavedWhereTheCommandLineLeavesItOpen) {
     if (onWindows && !underWine()) GTEST_SKIP() << "the settings may be somebody's";
     const ScratchRegistry registry(L"Software\\Ozmira");  // a folder of its own too
@@ -365,9 +452,10 @@ TEST_F(PartMarksRun, LogsWhatItReadsFindsAndWrites) {
     for (std::string line; std::getline(file, line, '\r');)
         log += line.substr(std::min<std::size_t>(line.size(), 12), line.find(" : ") - 12) + "|";
     EXPECT_EQ(log, std::string("|part_marks with KelRoots ") + bryVersion() +
-                       "|Start = reading|reads nc/good.nc|End = reading|Start = marking|End = marking"
-                       "|none: there is no such file or folder|Start = writing|End = writing|has written marks.csv"
-                       "|1 file read, 1 different part, 1 error|has written list.txt||");
+                       "|Start = reading|reads nc/good.nc|End = reading|Start = comparing|End = comparing"
+                       "|Start = marking|End = marking|Start = writing|End = writing"
+                       "|none: there is no such file or folder|has written marks.csv|1 file read, 1 different part, 1 "
+                       "error|has written list.txt||");
     RunLog shrunk;
     EXPECT_TRUE(shrunk.open(L"run.log", false) && shrunk.finish());
     fs::resize_file("run.log", 0);
