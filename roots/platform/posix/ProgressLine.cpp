@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
@@ -102,6 +103,32 @@ void write(const std::string& bytes) {
     }
 }
 
+constexpr char kErased[] = "\r\x1b[K";
+constexpr int kEndings[] = {SIGHUP, SIGINT, SIGQUIT, SIGABRT, SIGTERM};
+
+std::atomic<pid_t> g_begunBy{0};  // the process that has a line, 0 where there is none
+
+// The action for signals that end the process.
+extern "C" void eraseAndEnd(int signal) {
+    if (g_begunBy == getpid() && !isInBackground()) {
+        const ssize_t ignored = ::write(STDERR_FILENO, kErased, sizeof kErased - 1);
+        static_cast<void>(ignored);
+    }
+    raise(signal);  // ends the process once this action, which serves one signal, has returned
+}
+
+// Where the host has chosen neither of them, its own action stays.
+void replaceAction(void (*from)(int), void (*to)(int)) {
+    for (const int ending : kEndings) {
+        struct sigaction action {};
+        sigaction(ending, nullptr, &action);
+        if ((action.sa_flags & SA_SIGINFO) != 0 || action.sa_handler != from) continue;
+        action.sa_handler = to;
+        action.sa_flags = static_cast<int>(SA_RESETHAND);
+        sigaction(ending, &action, nullptr);
+    }
+}
+
 // While it lives, new threads of this one take no signals: those are for the host's own.
 class SignalsBlocked {
 public:
@@ -164,6 +191,9 @@ void Line::begin() {
     const char* const kind = std::getenv("TERM");
     m_owner = getpid();
     m_terminal = isatty(STDERR_FILENO) != 0 && (kind == nullptr || std::strcmp(kind, "dumb") != 0);
+    if (!m_terminal) return;
+    g_begunBy = m_owner;
+    replaceAction(SIG_DFL, eraseAndEnd);
 }
 
 bool Line::holds(const wchar_t* title, int percent, const wchar_t* label) const {
@@ -194,7 +224,7 @@ void Line::draw() {
 }
 
 void Line::erase() {
-    if (m_onScreen && !isInBackground()) write("\r\x1b[K");
+    if (m_onScreen && !isInBackground()) write(kErased);
     m_onScreen = false;
 }
 
@@ -240,7 +270,8 @@ void Line::putBack() {
 void Line::hide() {
     if (m_owner == 0 || !isOurs()) return;
     setAside();
-    m_owner = 0;
+    m_owner = g_begunBy = 0;
+    if (m_terminal) replaceAction(eraseAndEnd, SIG_DFL);
 }
 
 void Line::endForGood() {
