@@ -38,8 +38,8 @@ public:
     // results is no group's number. What results has before stays. text may be an element of results.
     //
     // Nothing is thrown or reported. False, and results unchanged, is also the answer
-    // - for a pattern that is refused: a parenthesis or bracket left open, nothing to repeat, a comment (?#...) that has
-    //   one of * + ? in it, and so on, and where the match comes to a reference to a group that does not exist;
+    // - for a pattern that is refused: a parenthesis or bracket left open, nothing to repeat, one of * + ? in a comment
+    //   (?#...), and so on, and where the match comes to a reference to a group that does not exist;
     // - where the stack of the thread might not suffice. A group that repeats takes some 250 bytes of it a time,
     //   parentheses in parentheses some 900, and 64 kB stay free: (a|b)* gets through some 30,000 characters with 8 MB,
     //   through some 2,500 with 1 MB. Besides, there must be 512 bytes for each of .^$|()[\*+?{ in the pattern;
