@@ -2,7 +2,6 @@
 #include <pthread.h>
 #include <roots/numeric/BryRegExWrapper.h>
 
-#include <clocale>
 #include <locale>
 #include <string>
 
@@ -15,9 +14,7 @@ namespace {
 BryString textOf(const std::string& text) { return text.c_str(); }
 
 std::string repeated(int count, const std::string& text) {
-    std::string result;
-    while (count-- > 0) result += text;
-    return result;
+    return count == 1 ? text : repeated(count / 2, text) + repeated(count - count / 2, text);
 }
 
 // The texts found, each with a ; behind it, or "no".
@@ -36,10 +33,7 @@ void onSmallStack(void (*work)()) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     pthread_attr_setstacksize(&attributes, 0x40000);
-    const auto run = [](void* function) -> void* {
-        (*static_cast<void (**)()>(function))();
-        return nullptr;
-    };
+    const auto run = [](void* function) -> void* { return (*static_cast<void (**)()>(function))(), nullptr; };
     pthread_t thread;
     ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
     pthread_join(thread, nullptr);
@@ -91,13 +85,11 @@ TEST(BryRegExWrapper, AppendsToWhatResultsHasAndKeepsItOtherwise) {
 
 TEST(BryRegExWrapper, AnswersNoWhereTheStackOrTheTimeWouldNotDo) {
     const auto check = [] {
-        const int count = 100000;
-        const BryString as = textOf(repeated(count, "a"));
+        const BryString as = textOf(repeated(100000, "a"));
         for (const char* unit : {"(", "(?:", "(?=a", "(a|b)*", "a.", "()", "(?i)", "(?:a?)", "[a]", "\\b", "a|"})
-            for (const std::string& end : {std::string(), repeated(count, ")"), std::string("\\9")})
-                EXPECT_EQ(found(textOf(repeated(count, unit) + end), as), L"no") << unit << end[0];
-        EXPECT_EQ(found(as, as), as + L";") << "one long text";
-        EXPECT_EQ(found(L"[a-z]*", as), as + L";");
+            for (const std::string& end : {std::string(), repeated(100000, ")"), std::string("\\9")})
+                EXPECT_EQ(found(textOf(repeated(100000, unit) + end), as), L"no") << unit << end[0];
+        for (const BryString& pattern : {as, BryString(L"[a-z]*")}) EXPECT_EQ(found(pattern, as), as + L";");
         for (const wchar_t* pattern : {L"(a|b)*", L"(?:(a)|b)*?", L"(?:(?=(a))a)*", L"((a*)*)*b", L"a(?R)?"})
             EXPECT_EQ(found(pattern, as), L"no");
         for (const wchar_t* pattern : {L"(a+)+b", L"(a|aa)*b", L"(?:(?:a?){30}){30}b"})
@@ -109,17 +101,10 @@ TEST(BryRegExWrapper, AnswersNoWhereTheStackOrTheTimeWouldNotDo) {
 }
 
 TEST(BryRegExWrapper, TakesTheGlobalLocaleOfTheMoment) {
-    const std::locale before;
-    EXPECT_EQ(found(L"\\w+", L"\x0411"), onWindows ? L"\x0411;" : L"no");
-    for (const char* name : {"C.UTF-8", "en_US.UTF-8"}) {
-        try {
-            std::locale::global(std::locale(name));
-        } catch (const std::runtime_error&) {  // not installed, or Windows, which has the classic one alone
-            continue;
-        }
-        EXPECT_EQ(found(L"\\w+", L"\x0411"), L"\x0411;") << name;
-        EXPECT_EQ(found(L"(?i)\x0431", L"\x0411"), L"\x0411;") << name;
-        std::locale::global(before);
-    }
-    EXPECT_EQ(found(L"\\d+", L"\x00B2"), onWindows ? L"\x00B2;" : L"no");
+    EXPECT_EQ(found(L"\\w", L"\x0411"), onWindows ? L"\x0411;" : L"no");
+    if (onWindows) GTEST_SKIP() << "the compiler's library has the classic locale alone";
+    const std::locale before = std::locale::global(std::locale("C.UTF-8"));
+    EXPECT_EQ(found(L"(?i)\\w\x0431", L"\x0411\x0411"), L"\x0411\x0411;");
+    std::locale::global(before);
+    EXPECT_EQ(found(L"\\w", L"\x0411"), L"no");
 }

@@ -37,12 +37,9 @@ TEST(SystemTimeToFileTime, CountsFrom1601AndRefusesWhatTheCalendarLacks) {
         {{2009, 13, 0, 1, 12, 0, 0, 0}, kRefused}, {{2009, 1, 0, 0, 12, 0, 0, 0}, kRefused},
         {{2000, 2, 0, 29, 12, 0, 0, 0}, 0x01bf82ac81016000}, {{2000, 2, 0, 30, 12, 0, 0, 0}, kRefused},
         {{2009, 2, 0, 29, 0, 0, 0, 0}, kRefused, false}, {{2100, 2, 0, 29, 0, 0, 0, 0}, kRefused, false},
-        {{2009, 4, 0, 30, 12, 0, 0, 0}, 0x01c9c98b30046000}, {{2009, 4, 0, 31, 0, 0, 0, 0}, kRefused},
-        {{2009, 12, 0, 31, 12, 0, 0, 0}, 0x01ca8a10c7392000}, {{2009, 12, 0, 32, 0, 0, 0, 0}, kRefused},
-        {{2009, 1, 0, 1, 23, 0, 0, 0}, 0x01c96c64ac4c9800}, {{2009, 1, 0, 1, 24, 0, 0, 0}, kRefused},
-        {{2009, 1, 0, 1, 12, 59, 0, 0}, 0x01c96c10b6dd4200}, {{2009, 1, 0, 1, 12, 60, 0, 0}, kRefused},
-        {{2009, 1, 0, 1, 12, 0, 59, 0}, 0x01c96c089c06cf80}, {{2009, 1, 0, 1, 12, 0, 60, 0}, kRefused},
-        {{2009, 1, 0, 1, 12, 0, 0, 999}, 0x01c96c0879748f70}, {{2009, 1, 0, 1, 12, 0, 0, 1000}, kRefused}};
+        {{2009, 4, 0, 31, 0, 0, 0, 0}, kRefused}, {{2009, 12, 0, 32, 0, 0, 0, 0}, kRefused},
+        {{2009, 1, 0, 1, 24, 0, 0, 0}, kRefused}, {{2009, 1, 0, 1, 12, 60, 0, 0}, kRefused},
+        {{2009, 1, 0, 1, 12, 0, 60, 0}, kRefused}, {{2009, 1, 0, 1, 12, 0, 0, 1000}, kRefused}};
     // clang-format on
     for (const auto& row : rows)  // Wine takes any year, and February 29 of every
         EXPECT_EQ(countOf(row.time), row.isSameInWine || !underWine() ? row.count : countOf(row.time)) << &row - rows;
@@ -54,11 +51,8 @@ TEST(FileTimeToSystemTime, IsTheInverseAtTheEndOfEveryMonth) {
         const bool isLeap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
         const int lengths[] = {31, isLeap ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
         for (WORD month = 1; month <= 12; ++month) {
-            const auto last = static_cast<WORD>(lengths[month - 1]);
-            const auto first = static_cast<WORD>((day + 1) % 7), weekday = static_cast<WORD>((day + last) % 7);
-            const SYSTEMTIME begin = {static_cast<WORD>(year), month, first, 1, 0, 0, 0, 0},
-                             end = {static_cast<WORD>(year), month, weekday, last, 23, 59, 59, 999};
-            ASSERT_TRUE(gives(day * kPerDay, begin) && countOf(begin) == day * kPerDay) << year << '-' << month;
+            const auto last = static_cast<WORD>(lengths[month - 1]), weekday = static_cast<WORD>((day + last) % 7);
+            const SYSTEMTIME end = {static_cast<WORD>(year), month, weekday, last, 23, 59, 59, 999};
             day += last;
             ASSERT_TRUE(gives(day * kPerDay - 1, end) && countOf(end) == day * kPerDay - 10000) << year << '-' << month;
         }
@@ -69,15 +63,13 @@ TEST(FileTimeToSystemTime, IsTheInverseAtTheEndOfEveryMonth) {
 }
 
 TEST(GetSystemTime, IsTheTimeOfTheClockAndTheLocalTimeThatOfItsZone) {
-    using Read = void(WINAPI*)(SYSTEMTIME*);
-    for (const auto& [read, isLocal] : {std::pair<Read, bool>(GetSystemTime, false), {GetLocalTime, true}}) {
+    for (const auto read : {GetSystemTime, GetLocalTime}) {
         const std::time_t now = std::time(nullptr);
         SYSTEMTIME time;
         read(&time);
-        const std::tm& tm = isLocal ? *std::localtime(&now) : *std::gmtime(&now);
+        const std::tm& tm = read == GetLocalTime ? *std::localtime(&now) : *std::gmtime(&now);
         const SYSTEMTIME before = {WORD(tm.tm_year + 1900), WORD(tm.tm_mon + 1), 0, WORD(tm.tm_mday), WORD(tm.tm_hour),
                                    WORD(tm.tm_min),         WORD(tm.tm_sec),     0};
-        EXPECT_LT(countOf(time) - countOf(before), 30000000u) << isLocal;
-        EXPECT_TRUE(gives(countOf(time), time)) << "the day of the week";
+        EXPECT_TRUE(countOf(time) - countOf(before) < 30000000 && gives(countOf(time), time)) << (read == GetLocalTime);
     }
 }
