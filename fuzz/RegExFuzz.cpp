@@ -1,6 +1,5 @@
-// Takes the first line for a pattern and the rest for the text, both in units of 8 bits. What must hold:
-// - whatever the pattern, it matches, does not, or is refused: nothing overflows or hangs;
-// - what is found lies in the text, is not empty; neither is read past its end.
+// Takes the first line for a pattern and the rest for the text, in units of 8 bits. What must hold: whatever the
+// pattern, nothing overflows, hangs or is read past its end, and what is found lies in the text and is not empty.
 #include <roots/numeric/WideRegEx.h>
 
 #include <algorithm>

@@ -72,8 +72,7 @@ TEST(BryRegExWrapper, AppendsToWhatResultsHasAndKeepsItOtherwise) {
     EXPECT_TRUE(BryRegExWrapper(copy).match(results[0], results));  // grows while its own element is the text
     EXPECT_FALSE(first.match(L"ab", results));
     first = copy;
-    const BryString text = L"a";
-    const auto matchesWithout = [&](int nthAllocation) {
+    const auto matchesWithout = [&, text = BryString(L"a")](int nthAllocation) {
         const FailNthAllocation failing(nthAllocation);
         return first.match(text, results);
     };
