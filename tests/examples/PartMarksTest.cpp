@@ -267,7 +267,7 @@ TEST(PartMarksOptions, AreTakenOrRefusedWithAReason) {
         {{L"--match=(b|c.*", L"nc"}, L"--match (b|c.*: no regular expression"},
         {{L"--match=b\\", L"nc"}, L"--match b\\: no regular expression"}, {{L"--match=(b)|c.*", L"nc"}, L""},
         {{L"--tolerance=0.001", L"nc"}, L""}, {{L"--tolerance=0"}, mm}, {{L"--tolerance", L"1x"}, mm},
-        {{L"--since=2024-02-29 23:59:59", L"nc"}, L""}, {{L"--since=2023-02-29"}, noTime}, {{L"--since=2024-1-1"}, noTime},
+        {{L"--since=2024-02-29 23:59:59", L"nc"}, L""}, {{L"--since=2023-04-31"}, noTime}, {{L"--since=2024-1-1"}, noTime},
         {{L"--since=2024-01-01 24:00"}, noTime},
         {{L"--help=no"}, L"unknown option, or one that takes no value: --help"}};
     // clang-format on

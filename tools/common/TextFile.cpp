@@ -12,39 +12,30 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Counts what reaches the disk: a stream that is closed does not say whether its last bytes were written.
-class LineWriter {
-public:
-    LineWriter(const BryString& path, BryFileAccess::encodeType encoding)
-        : m_file(path, L"w", encoding), m_isUtf8(encoding == BryFileAccess::encodeUTF8), m_size(m_isUtf8 ? 3 : 2) {}
-
-    bool write(const BryString& line) {
-        const int length = line.length();
-        const auto lineEnds = std::count(line.getStringW(), line.getStringW() + length, L'\n');
-        const int size = m_isUtf8
-                             ? WideCharToMultiByte(CP_UTF8, 0, line.getStringW(), length, nullptr, 0, nullptr, nullptr)
-                             : 2 * length;
-        m_size += static_cast<std::int64_t>(size) + lineEnds * (m_isUtf8 ? 1 : 2);  // a carriage return for each
-        return m_file.puts(line) >= 0;
-    }
-
-    bool close(const BryString& path) {
-        m_file.close();
-        BryFileAccess written(path, L"rb", BryFileAccess::encodeANSI);
-        return written.isOpen() && written.getFileLength() == m_size;
-    }
-
-private:
-    BryFileAccess m_file;
-    bool m_isUtf8;
-    std::int64_t m_size;  // of the mark so far
-};
+// In bytes of its own: a text stream of Windows hands them to the disk in pieces, and spoils a character that lies in
+// two of them.
+std::string bytesOf(const BryString& line, BryFileAccess::encodeType encoding) {
+    BryString text = line;
+    text.replace(BryString(L"\n"), L"\r\n");
+    const wchar_t* const units = text.getStringW();
+    const int length = text.length();
+    if (encoding != BryFileAccess::encodeUTF8)
+        return {reinterpret_cast<const char*>(units), static_cast<std::size_t>(length) * sizeof(wchar_t)};
+    std::string bytes(static_cast<std::size_t>(length) * 3, 0);  // at most three for each unit
+    bytes.resize(static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, units, length, bytes.data(),
+                                                              static_cast<int>(bytes.size()), nullptr, nullptr)));
+    return bytes;
+}
 
 bool writeLines(const BryString& path, BryFileAccess::encodeType encoding, const std::vector<BryString>& lines) {
-    LineWriter file(path, encoding);
-    const bool isWritten =
-        std::all_of(lines.begin(), lines.end(), [&file](const BryString& line) { return file.write(line); });
-    return file.close(path) && isWritten;
+    std::FILE* file = nullptr;
+    if (bryfopen(&file, path, L"wb") != 0) return false;
+    const auto write = [&](const BryString& line) {
+        const std::string bytes = bytesOf(line, encoding);
+        return std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+    };
+    const bool isWritten = write(L"\xFEFF") && std::all_of(lines.begin(), lines.end(), write);
+    return bryfclose(file) == 0 && isWritten;
 }
 
 // A name beside path that nothing has yet.
