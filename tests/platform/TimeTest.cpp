@@ -58,8 +58,7 @@ TEST(FileTimeToSystemTime, IsTheInverseAtTheEndOfEveryMonth) {
         }
     }
     EXPECT_TRUE(gives(INT64_MAX, {30828, 9, 4, 14, 2, 48, 5, 477}));
-    for (const std::uint64_t count : {INT64_MAX + std::uint64_t{1}, UINT64_MAX})
-        EXPECT_TRUE(gives(count, {7, 7, 7, 7, 7, 7, 7, 7}, false)) << count;
+    EXPECT_TRUE(gives(INT64_MAX + std::uint64_t{1}, {7, 7, 7, 7, 7, 7, 7, 7}, false));
 }
 
 TEST(GetSystemTime, IsTheTimeOfTheClockAndTheLocalTimeThatOfItsZone) {
