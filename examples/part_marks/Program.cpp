@@ -200,6 +200,7 @@ private:
     }
 
     void writeMarks() {
+        m_progress->completeInAnyCase();
         const Step step(*this, L"writing", 95, 100);
         m_isWritten = writeMarksFile(m_marksFile, m_parts, m_writeError);
     }

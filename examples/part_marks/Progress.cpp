@@ -20,15 +20,18 @@ ShownOn::~ShownOn() { BryProcessEvolutionManager::getProcessEvolutionManager()->
 
 Progress::Progress(const BryString& run) : m_manager(*BryProcessEvolutionManager::getProcessEvolutionManager()) {
     isInterrupted = 0;
-    std::signal(SIGINT, interrupt);
+    m_before = std::signal(SIGINT, SIG_IGN);
+    if (m_before != SIG_IGN) std::signal(SIGINT, interrupt);
     m_manager.EnableCancel(true);
     m_key = m_manager.registerProcess(run);
 }
 
 Progress::~Progress() {
     m_manager.deRegisterProcess(m_key);
-    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGINT, m_before);
 }
+
+void Progress::completeInAnyCase() { std::signal(SIGINT, SIG_IGN); }
 
 bool Progress::isCanceled() {
     if (isInterrupted != 0 && !m_manager.getIsCanceled()) m_manager.cancelProcess();

@@ -18,7 +18,8 @@ private:
 };
 
 // A run and its steps, registered with the process's BryProcessEvolutionManager, whose displays show them. There is one
-// at a time. While it lives, Ctrl-C asks for it to be canceled; a second one ends the program as ever.
+// at a time. While it lives, Ctrl-C asks for it to be canceled; a second one ends the program as ever. Where Ctrl-C is
+// ignored, as in the background of a script, it stays so.
 class Progress {
 public:
     explicit Progress(const BryString& run);
@@ -28,6 +29,9 @@ public:
 
     // Whether the user, by Ctrl-C or by a display, has canceled the run.
     bool isCanceled();
+
+    // From now on Ctrl-C does nothing: what is begun now must not be left half done.
+    void completeInAnyCase();
 
     // A step while it lives, which takes the run from one percentage to another.
     class Step {
@@ -50,4 +54,5 @@ public:
 private:
     BryProcessEvolutionManager& m_manager;
     int m_key;
+    void (*m_before)(int);  // what Ctrl-C did
 };
