@@ -344,7 +344,7 @@ BOOL DestroyWindow(HWND handle) {
 
 BOOL EndDialog(HWND dialog, INT_PTR) {
     Window* const window = find(dialog);
-    if (window == nullptr) return FALSE;
+    if (window == nullptr || window->kind != Kind::eDialog) return fail(ERROR_INVALID_WINDOW_HANDLE);
     hide(dialog, *window);
     return TRUE;
 }
