@@ -1,35 +1,19 @@
 #include "ProgressLine.h"
 
+#include <roots/platform/posix/TerminalText.h>
+
 #include <algorithm>
 #include <new>
-#include <numeric>
 #include <system_error>
 
 namespace {
 
+using platform::fitted;
 using Clock = std::chrono::steady_clock;
 
 constexpr auto kInterval = std::chrono::nanoseconds(std::chrono::seconds(1)) / 30;
 constexpr int kLeastColumns = 4;  // of a name that is cut
 constexpr char kBetween[] = " > ";
-constexpr char kEllipsis[] = "\xE2\x80\xA6";
-
-int columnsOf(const std::vector<TerminalCharacter>& text) {
-    return std::accumulate(text.begin(), text.end(), 0, [](int sum, const auto& next) { return sum + next.columns; });
-}
-
-// In at most so many columns: the whole text, or its first characters and an ellipsis.
-std::string fitted(const std::vector<TerminalCharacter>& text, int columns) {
-    const bool isWhole = columnsOf(text) <= columns;
-    int room = isWhole ? columns : columns - 1;
-    std::string shown;
-    for (const TerminalCharacter& character : text) {
-        room -= character.columns;
-        if (room < 0) break;
-        shown += character.text;
-    }
-    return isWhole ? shown : shown + kEllipsis;
-}
 
 std::string percentText(int percent) { return std::to_string(percent) + " %"; }
 
@@ -68,7 +52,8 @@ void ProgressLine::processRegistered(int key, BryString action, bool) {
     const std::lock_guard lock(m_noting);
     const auto at = static_cast<std::size_t>(key);
     if (at >= m_processes.size()) m_processes.resize(at + 1);
-    m_processes[at] = {terminalCharacters(action), 0};
+    const wchar_t* const text = action.getStringW();
+    m_processes[at] = {{text, text + action.length() + 1}, 0};
     noteChange();
 }
 
@@ -119,7 +104,7 @@ std::string ProgressLine::composed(const std::vector<Process>& processes, int co
         std::vector<int> names;  // their columns
         int all = -3;
         for (auto process = first; process != processes.end(); ++process) {
-            names.push_back(columnsOf(process->action));
+            names.push_back(fitted(process->action.data(), columns).columns);
             all += names.back() + 1 + static_cast<int>(percentText(process->percent).size()) + 3;
         }
         for (; all > columns; --all) {
@@ -131,8 +116,8 @@ std::string ProgressLine::composed(const std::vector<Process>& processes, int co
         std::string text;
         for (auto process = first; process != processes.end(); ++process) {
             if (process != first) text += kBetween;
-            text += fitted(process->action, names[static_cast<std::size_t>(process - first)]) + ' ';
-            text += percentText(process->percent);
+            text += fitted(process->action.data(), names[static_cast<std::size_t>(process - first)]).bytes;
+            text += ' ' + percentText(process->percent);
         }
         return text;
     }

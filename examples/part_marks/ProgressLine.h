@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 #include "Terminal.h"
 
@@ -48,7 +49,7 @@ public:
 
 private:
     struct Process {
-        std::vector<TerminalCharacter> action;  // empty before it is registered
+        std::vector<wchar_t> action{0};  // its own units: the thread reads them
         int percent = 0;
     };
 

@@ -66,8 +66,8 @@ TEST(ProgressLine, FitsTheTerminal) {
         {L"One column too many.", 42, 41, "One column too man\u2026 [#####        ]  42%"},
         {L"Marking", 7, 12, "Marki\u2026   7%"}, {L"Marking", 8, 6, "   8%"}, {L"Marking", 9, 5, ""},
         {L"\u90e8\u6750\u756a\u53f7\u306e\u5272\u308a", 42, 31, "\u90e8\u6750\u756a\u53f7\u306e\u2026 [####      ]  42%"},
-        {L"e\u0301\u0323\U0001F600\xD83D\u1100\u1161\u1161...... cut", 43, 31,
-         "e\u0301\u0323\U0001F600\uFFFD\u1100\u1161\u1161.....\u2026 [####      ]  43%"},
+        {L"e\u0301\u0323\U0001F600\xD83D\u1100\u1161\u1161\u2764\uFE0F.... cut", 43, 31,
+         "e\u0301\u0323\U0001F600\uFFFD\u1100\u1161\u1161\u2764\uFE0F...\u2026 [####      ]  43%"},
         {L"a\tb\nc\x1b[2Jd\x9b\x202E", 44, 41, "a b c\uFFFD[2Jd\uFFFD\uFFFD [#####        ]  44%"},
     };
     // clang-format on

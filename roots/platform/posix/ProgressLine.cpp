@@ -32,38 +32,9 @@ constexpr int kPercentColumns = 5;                                      // " 100
 
 // ---- what the line says --------------------------------------------------------------------------------------------
 
-struct Text {
-    std::string bytes;
-    int columns = 0;
-};
-
 int columns() {
     winsize size{};
     return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
-}
-
-void append(Text& to, unsigned value) {
-    if (value == '\n' || value == '\r' || value == '\t') value = ' ';
-    if (isTerminalControl(value)) value = 0xFFFD;
-    to.columns += columnsOf(value);
-    appendUtf8(to.bytes, value);
-}
-
-// The text in room columns; of one that is too long the start and an ellipsis.
-Text fitted(const wchar_t* text, int room) {
-    Text shown;
-    std::size_t kept = 0;  // bytes that leave a column for the ellipsis
-    int keptColumns = 0;
-    forEachCharacter(text, [&](unsigned value) {
-        append(shown, value);
-        if (shown.columns < room) kept = shown.bytes.size(), keptColumns = shown.columns;
-        return shown.columns <= room;
-    });
-    if (shown.columns <= room) return shown;
-    shown.bytes.resize(kept);
-    shown.columns = keptColumns;
-    if (room > 0) append(shown, 0x2026);
-    return shown;
 }
 
 std::string bar(int length, int percent) {
@@ -80,7 +51,7 @@ std::string percentage(int percent) {
 std::string composed(const wchar_t* title, int percent, const wchar_t* label, int width) {
     if (--width < kPercentColumns) return {};
     if (percent < 0) {
-        const Text end = fitted(label, width / 2);
+        const TerminalText end = fitted(label, width / 2);
         return fitted(title, width - end.columns - 1).bytes + ' ' + end.bytes;
     }
     const int length = width < kNarrowForBar ? 0 : std::clamp(width / 3, kShortestBar, kLongestBar);

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstddef>
 
+using namespace platform;
+
 namespace {
 
 struct CharacterRun {
@@ -99,8 +101,36 @@ bool isIn(const CharacterRun (&runs)[Count], unsigned value) {
     return after != runs && value <= after[-1].last;
 }
 
+// 2 columns for wide characters (East Asian, most pictures), 0 for those that go onto the one before them.
+int columnsOf(unsigned value) {
+    return value < kWithoutWidth[0].first ? 1 : isIn(kWithoutWidth, value) ? 0 : isIn(kWide, value) ? 2 : 1;
+}
+
+constexpr unsigned kPictureForm = 0xFE0F;  // has the character before it shown as a picture, which is wide
+
+void append(TerminalText& to, unsigned value, int& lastColumns) {
+    if (value == '\n' || value == '\r' || value == '\t') value = ' ';
+    if (isTerminalControl(value)) value = 0xFFFD;
+    const int columns = value == kPictureForm && lastColumns == 1 ? 1 : columnsOf(value);
+    if (columns > 0) lastColumns = value == kPictureForm ? 2 : columns;
+    to.columns += columns;
+    appendUtf8(to.bytes, value);
+}
+
 }  // namespace
 
-int platform::columnsOf(unsigned value) noexcept {
-    return value < kWithoutWidth[0].first ? 1 : isIn(kWithoutWidth, value) ? 0 : isIn(kWide, value) ? 2 : 1;
+platform::TerminalText platform::fitted(const wchar_t* text, int room) {
+    TerminalText shown;
+    std::size_t kept = 0;  // bytes that leave a column for the ellipsis
+    int keptColumns = 0, lastColumns = 0;
+    forEachCharacter(text, [&](unsigned value) {
+        append(shown, value, lastColumns);
+        if (shown.columns < room) kept = shown.bytes.size(), keptColumns = shown.columns;
+        return shown.columns <= room;
+    });
+    if (shown.columns <= room) return shown;
+    shown.bytes.resize(kept);
+    shown.columns = keptColumns;
+    if (room > 0) append(shown, 0x2026, lastColumns);
+    return shown;
 }

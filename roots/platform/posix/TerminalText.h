@@ -1,4 +1,4 @@
-// What a terminal may be shown of a text, and how wide that comes out.
+// What a terminal may be shown of a text, and how wide that comes out. Free of the system: programs compile it too.
 #pragma once
 
 #include <roots/platform/posix/Utf.h>
@@ -13,9 +13,15 @@ constexpr bool isTerminalControl(unsigned value) {
            (value >= 0x2066 && value <= 0x2069);
 }
 
-// The columns that a character takes: 2 for wide ones (East Asian, most pictures), 0 for those that go onto the one
-// before them, 1 for all others.
-int columnsOf(unsigned value) noexcept;
+// What a terminal is shown of a text: UTF-8, and the columns that it takes.
+struct TerminalText {
+    std::string bytes;
+    int columns = 0;
+};
+
+// The text in at most room columns; of one that is too long the start and an ellipsis. Line ends and tabs become
+// blanks, other controls U+FFFD. Where terminals differ in a character's columns, these are the most that one takes.
+TerminalText fitted(const wchar_t* text, int room);
 
 // Calls use with each character of the text; half a pair is U+FFFD. Stops where use answers false.
 template <class Use>
