@@ -604,7 +604,8 @@ void setDialogs(HINSTANCE module, const DialogTemplate* dialogs, std::size_t cou
 // per cent (the text of its second static control where it has no bar). The line
 // - fits the terminal's width, which is asked anew each time; what is too long is cut, between characters;
 // - is drawn at once, but never within 1/30 s of the last time. What changes faster waits for that moment, in a thread
-//   that lives until the last value is drawn and touches nothing but the line. What changes nothing draws nothing;
+//   that lives until the last value is drawn and touches nothing but the line (where none can be had, the caller
+//   waits). What changes nothing draws nothing;
 // - is erased when the dialog is hidden or destroyed, while a message box shows, and when the process ends: by exit or
 //   by SIGHUP, SIGINT, SIGQUIT, SIGABRT or SIGTERM, as far as the host has no action of its own for them. It changes no
 //   mode of the terminal, so that a process that ends in another way leaves nothing behind it but the line;

@@ -1,6 +1,7 @@
 // The progress dialog on a terminal. A row that a test ends with a line feed stays on the screen as it was then.
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <pty.h>
 #include <roots/files/BryWinMessage.h>
 #include <roots/platform/Win32.h>
@@ -93,6 +94,11 @@ TEST(ProgressLine, ShowsTheLastValueUntilDialogOrProcessEnd) {
         {"interrupted", [] { raise(SIGINT); }, {""}},
         {"a million", [] { for (int i = 0; i < 1'000'000; ++i) Ctrl::setPercentage(i % 100, 1); pass(); }, {most}},
         {"no change", [] { endRow(), Ctrl::setPercentage(9, 1), Ctrl::setTitle(L"M"), pass(); }, {nine, ""}},
+        {"no thread", [] {
+             pthread_attr_t stack;
+             pthread_attr_init(&stack), pthread_attr_setstacksize(&stack, std::size_t{1} << 60);  // no room for that
+             pthread_setattr_default_np(&stack), Ctrl::setPercentage(50, 1), Ctrl::setPercentage(99, 1);
+         }, {most}},
         {"reset", [] { Ctrl::setPercentage(50, 1), Ctrl::reset(), pass(); }, {""}},
         {"closed", [] { SendMessageW(FindWindowW(nullptr, nullptr), WM_CLOSE, 0, 0), Ctrl::setTitle(L"N"), pass(); }, {""}},
         {"exit", [] { Ctrl::setPercentage(50, 1), std::exit(0); }, {""}},

@@ -199,14 +199,15 @@ void Line::erase() {
     m_onScreen = false;
 }
 
-// Where no thread can be had, the next change is drawn.
 void Line::drawLater() {
     if (m_thread.joinable()) m_thread.join();  // it has drawn, and holds no lock any more
-    const SignalsBlocked blocked;
     try {
+        const SignalsBlocked blocked;
         m_thread = std::thread(&Line::drawInTime, this);
         m_waiting = true;
     } catch (const std::system_error&) {
+        std::this_thread::sleep_until(m_next);
+        draw();
     }
 }
 
