@@ -58,7 +58,8 @@ std::string distanceText(const SYSTEMTIME& time, const SYSTEMTIME& since) {
 
 bool parseTime(const BryString& text, SYSTEMTIME& time) {
     BryRegExWrapper expression;
-    expression.setRegularExpression(L"(\\d{4})-(\\d\\d)-(\\d\\d)(?: (\\d\\d):(\\d\\d)(?::(\\d\\d))?)?");
+    // Not \d, which is the digits of other scripts too.
+    expression.setRegularExpression(L"([0-9]{4})-([0-9]{2})-([0-9]{2})(?: ([0-9]{2}):([0-9]{2})(?::([0-9]{2}))?)?");
     BryArray<BryString, BryArrayObjectCopyReallocator<BryString>, BryArrayMemoryController<BryString>> parts;
     if (!expression.match(text, parts)) return false;
     time = {};

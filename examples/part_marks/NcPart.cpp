@@ -386,11 +386,12 @@ private:
 
     void addRounded(Range number) {
         const BryString text = roundedText(number, m_tolerance);
-        if (text == L"0.000000" && !m_content.empty() && m_content.back() == L'-') dropSign();
+        const wchar_t sign = m_content.empty() ? L'0' : m_content.back();
+        if (sign == L'+' || (sign == L'-' && text == L"0.000000")) dropSign();
         m_content.insert(m_content.end(), text.getStringW(), text.getStringW() + text.length());
     }
 
-    // What rounds to zero has no sign. It kept the number from the one before it.
+    // A plus says nothing, nor does the sign of what rounds to zero. It kept the number from the one before it.
     void dropSign() {
         m_content.pop_back();
         if (!m_content.empty() && isNumberUnit(m_content.back())) m_content.push_back(L' ');

@@ -235,16 +235,17 @@ private:
         return isTaken || fail(L"--max needs a whole number from 1 to 2147483647");
     }
 
-    // The empty text is matched by what stands behind the bar, if what stands before it is an expression.
+    // The empty text is matched by what stands before the bar, if what stands behind it is an expression.
     bool takeMatch() {
         m_options.match = m_value;
-        return (!m_value.isEmpty() && matches(m_value + L"|", L"")) ||
+        return (!m_value.isEmpty() && matches(BryString(L"|") + m_value, L"")) ||
                fail(BryString(L"--match ") + m_value + L": no regular expression");
     }
 
     bool takeTolerance() {
         m_options.tolerance = m_value.toDouble();
-        return (matches(L"\\d+(\\.\\d+)?", m_value) && m_options.tolerance >= 0.001 && m_options.tolerance <= 1000) ||
+        return (matches(L"[0-9]+(\\.[0-9]+)?", m_value) && m_options.tolerance >= 0.001 &&
+                m_options.tolerance <= 1000) ||
                fail(L"--tolerance needs a length in mm, from 0.001 to 1000");
     }
 

@@ -168,7 +168,7 @@ TEST(NcPartContent, TakesLengthsWithinTheToleranceForTheSame) {
     const struct { std::size_t line; const wchar_t* with; bool isSame; } rows[] = {
         {11, L"250.04,250.96", true}, {11, L"250.06,251.00", false}, {11, L"250.00,251.06", false}, {11, L"250,251", true},
         {12, L"100.04", false}, {28, L"v 29.96s 50.04 18", true}, {28, L"v 30.06s 50.00 18.00", false},
-        {30, L"v 20.04u 10.00 -0.04 10 b 1", true}, {30, L"v 20.00u 10.00 0.00 10 b 1.04", false}};
+        {30, L"v 20.04u +10 -0.04 10 b 1", true}, {30, L"v 20.00u 10.00 0.00 10 b 1.04", false}};
     // clang-format on
     const BryString content = contentOf(joined(goodLines), 0.1);
     for (const auto& row : rows)
@@ -265,7 +265,7 @@ TEST(PartMarksOptions, AreTakenOrRefusedWithAReason) {
         {{L"--modules", std::string(256, 'x').c_str()}, L"--modules: the name has more than 255 characters"},
         {{L"--max", L"0"}, maxRange}, {{L"--max=2147483648"}, maxRange}, {{L"--max=3.0"}, maxRange},
         {{L"--match=(b|c.*", L"nc"}, L"--match (b|c.*: no regular expression"},
-        {{L"--match=b\\", L"nc"}, L"--match b\\: no regular expression"}, {{L"--match=(b)|c.*", L"nc"}, L""},
+        {{L"--match=b\\", L"nc"}, L"--match b\\: no regular expression"}, {{L"--match=(b)|\\Qc", L"nc"}, L""},
         {{L"--tolerance=0.001", L"nc"}, L""}, {{L"--tolerance=0"}, mm}, {{L"--tolerance", L"1x"}, mm},
         {{L"--since=2024-02-29 23:59:59", L"nc"}, L""}, {{L"--since=2023-04-31"}, noTime}, {{L"--since=2024-1-1"}, noTime},
         {{L"--since=2024-01-01 24:00"}, noTime},
