@@ -6,7 +6,7 @@
 
 namespace {
 
-// What a host that runs on a stack of its own making is taken to have left.
+// What a host is taken to have left of a stack that is not the one of the thread, or of one that is unknown.
 constexpr std::uintptr_t kForeignStack = 0x20000;
 
 std::uintptr_t lowestStack() {

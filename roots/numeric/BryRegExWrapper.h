@@ -16,8 +16,7 @@
 //   [[:alpha:]] and the like, \A \Z and \< \>. The point takes line feeds too; ^ and $ match at them.
 // - Characters are 16-bit units: the point takes one half of a surrogate pair. A pair that stands in the pattern as it
 //   is takes the same pair; in brackets it is two characters. \u00E4 names a unit.
-// - Which characters are letters, blanks and so on is told by the global C++ locale (std::locale::global) of the
-// moment.
+// - Which characters are letters, blanks and so on is told by the global C++ locale (std::locale::global) at the time.
 //   In the classic one it is ASCII alone on Linux, while the C runtime of Windows adds the letters of other scripts.
 // - A count in braces is taken modulo 2^32.
 //
@@ -43,6 +42,7 @@ public:
     // - where the stack of the thread might not suffice. A group that repeats takes some 250 bytes of it a time,
     //   parentheses in parentheses some 900, and 64 kB stay free: (a|b)* gets through some 30,000 characters with 8 MB,
     //   through some 2,500 with 1 MB. Besides, there must be 512 bytes for each of .^$|()[\*+?{ in the pattern;
+    //   a stack that the host has made itself (makecontext) is taken to have 128 kB left;
     // - after 20 million steps and 16 a character of text, which take a tenth of a second to two: (a+)+b would try for
     //   ages to match 60 times a;
     // - where memory is out. Only here may some texts have been appended.

@@ -329,7 +329,7 @@ KELROOTS_API BOOL FileTimeToSystemTime(const FILETIME* count, SYSTEMTIME* time);
 // -1, 0 or 1, as first is less than, equal to or greater than second.
 KELROOTS_API LONG CompareFileTime(const FILETIME* first, const FILETIME* second);
 
-// Now, in the zone of the environment and in UTC.
+// Now, in the zone of the environment and in UTC. A host that changes TZ calls tzset.
 KELROOTS_API void GetLocalTime(SYSTEMTIME* time);
 KELROOTS_API void GetSystemTime(SYSTEMTIME* time);
 
@@ -390,7 +390,8 @@ BOOL CloseHandle(HANDLE handle);
 
 // ---- stack (posix/StackLimits.cpp) ----------------------------------------------------------------------------------
 
-// Where the stack of this thread ends and where it began; it grows down to low.
+// Where the stack of this thread ends and where it began; it grows down to low. Both are 0 where the system does not
+// tell: for the first thread where /proc is missing.
 void GetCurrentThreadStackLimits(ULONG_PTR* low, ULONG_PTR* high);
 
 // ---- version information (posix/VersionInfo.cpp) --------------------------------------------------------------------

@@ -4,7 +4,7 @@
 namespace {
 
 struct Limits {
-    ULONG_PTR low = 0, high = UINTPTR_MAX;
+    ULONG_PTR low = 0, high = 0;
 };
 
 Limits limitsOfThisThread() {
