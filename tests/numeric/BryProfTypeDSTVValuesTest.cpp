@@ -35,8 +35,7 @@ TEST(BryProfTypeDSTVValues, KeepsEachDimensionAndTheType) {
     EXPECT_EQ(assigned.getDSTVType(), Values::eDSTV_CCS);
     next = 5.5;
     for (const auto& dimension : kDimensions) {
-        const bool isTS = dimension.get == &Values::getTS;
-        EXPECT_EQ((assigned.*dimension.get)(), isTS ? -1 : next) << "dimension " << next - 5.5;
+        EXPECT_EQ((assigned.*dimension.get)(), dimension.get == &Values::getTS ? -1 : next) << next - 5.5;
         ++next;
     }
 }

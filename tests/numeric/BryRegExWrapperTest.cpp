@@ -88,6 +88,7 @@ TEST(BryRegExWrapper, AnswersNoWhereTheStackOrTheTimeWouldNotDo) {
         for (const char* unit : {"(", "(?:", "(?=a", "(a|b)*", "a.", "()", "(?i)", "(?:a?)", "[a]", "\\b", "a|"})
             for (const std::string& end : {std::string(), repeated(100000, ")"), std::string("\\9")})
                 EXPECT_EQ(found(textOf(repeated(100000, unit) + end), as), L"no") << unit << end[0];
+        for (const int depth : {350, 12000}) EXPECT_EQ(found(textOf(repeated(depth, "(")), as), L"no") << depth;
         for (const BryString& pattern : {as, BryString(L"[a-z]*")}) EXPECT_EQ(found(pattern, as), as + L";");
         for (const wchar_t* pattern : {L"(a|b)*", L"(?:(a)|b)*?", L"(?:(?=(a))a)*", L"((a*)*)*b", L"a(?R)?"})
             EXPECT_EQ(found(pattern, as), L"no");
