@@ -65,7 +65,8 @@ bool parseTime(const BryString& text, SYSTEMTIME& time) {
     time = {};
     WORD* const fields[] = {&time.wYear, &time.wMonth, &time.wDay, &time.wHour, &time.wMinute, &time.wSecond};
     for (long i = 1; i < parts.length(); ++i) *fields[i - 1] = static_cast<WORD>(parts[i].toInteger());
-    return BryTimeUtilities::addTime(time, 0, time) != 0;
+    const WORD day = time.wDay;
+    return BryTimeUtilities::addTime(time, 0, time) != 0 && time.wDay == day;  // some systems take 29 February for 1 March
 }
 
 std::string agesText(const std::vector<BryString>& files, const SYSTEMTIME& since) {
