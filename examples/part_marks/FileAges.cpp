@@ -66,7 +66,7 @@ bool parseTime(const BryString& text, SYSTEMTIME& time) {
     WORD* const fields[] = {&time.wYear, &time.wMonth, &time.wDay, &time.wHour, &time.wMinute, &time.wSecond};
     for (long i = 1; i < parts.length(); ++i) *fields[i - 1] = static_cast<WORD>(parts[i].toInteger());
     const WORD day = time.wDay;
-    return BryTimeUtilities::addTime(time, 0, time) != 0 && time.wDay == day;  // some systems take 29 February for 1 March
+    return BryTimeUtilities::addTime(time, 0, time) != 0 && time.wDay == day;  // 29 February may have become 1 March
 }
 
 std::string agesText(const std::vector<BryString>& files, const SYSTEMTIME& since) {

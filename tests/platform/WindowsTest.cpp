@@ -84,7 +84,7 @@ TEST_F(WindowsTest, ProgressBarsStayInTheirRange) {
         {PBM_SETPOS, 1, 0, 100, 1}, {PBM_SETSTEP, -7, 0, 1, 1}, {PBM_STEPIT, 0, 0, 1, 94}, {PBM_SETSTEP, 1000, 0, -7, 94},
         {PBM_STEPIT, 0, 0, 94, 94}, {PBM_SETRANGE, 0, part, all, 50}, {PBM_GETRANGE, 1, 0, 10, 50},
         {PBM_SETRANGE, 0, most, part, 50}, {PBM_SETPOS, 60000, 0, 50, 60000}, {PBM_SETRANGE32, -50, 50, most, 50},
-        {PBM_SETPOS, -60, 0, 50, -50}, {PBM_SETRANGE, 0, 0, even, 0}, {PBM_STEPIT, 0, 0, 0, 0}};
+        {PBM_SETPOS, -60, 0, 50, -50}, {PBM_SETRANGE, 0, 0, even, 0}, {PBM_STEPIT, 0, 0, 0, 0}, {PBM_GETSTEP, 0, 0, 1000, 0}};
     // clang-format on
     for (const auto& [message, first, second, answer, position] : rows) {
         const LRESULT got = SendMessageW(g_bar, static_cast<UINT>(message), static_cast<WPARAM>(first), second);
@@ -103,11 +103,11 @@ TEST_F(WindowsTest, StaleHandlesAndUnknownNumbersAreRefused) {
         EXPECT_EQ(CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 1, 1, stale, nullptr, nullptr, nullptr), nullptr);
     }
     wchar_t text[4] = L"abc";
-    EXPECT_EQ(GetDlgItemTextW(g_dialog, 77, text, 4) + text[0], 0u);
-    EXPECT_EQ(SetDlgItemTextW(g_dialog, 77, L"x"), FALSE);
+    EXPECT_EQ(GetDlgItemTextW(g_dialog, kTitle, text, 3), 2u) << "with the terminator";
+    EXPECT_EQ(GetDlgItemTextW(g_dialog, 77, text, 4), text[0]) << "empty";
+    EXPECT_EQ(SetDlgItemTextW(g_dialog, 77, L"x") | EndDialog(g_bar, 1), FALSE);
     EXPECT_EQ(CreateWindowExW(0, L"none", L"", WS_CHILD, 0, 0, 1, 1, g_dialog, nullptr, nullptr, nullptr), nullptr);
     EXPECT_EQ(CreateDialogParamW(nullptr, MAKEINTRESOURCEW(102), nullptr, record, 0), nullptr);
-    EXPECT_EQ(SendMessageW(g_bar, PBM_GETPOS, 0, 0), 0) << "the new bar got none of it";
 }
 
 TEST_F(WindowsTest, ProceduresMayDestroyTheirDialogAtAnyMessage) {

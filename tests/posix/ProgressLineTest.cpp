@@ -1,7 +1,6 @@
 // The progress dialog on a terminal. A row that a test ends with a line feed stays on the screen as it was then.
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <pty.h>
 #include <roots/files/BryWinMessage.h>
 #include <roots/platform/Win32.h>
@@ -61,7 +60,6 @@ TEST(ProgressLine, FitsTheTerminal) {
     // clang-format off
     const struct { const wchar_t* title; int percent; unsigned short columns; const char* row; } rows[] = {
         {L"Marking", 100, 41, "Marking [#############] 100%"},
-        {L"Marking", 42, 31, "Marking [####      ]  42%"},
         {L"Marking of plates", 42, 30, "Marking of plates  42%"},
         {L"Nineteen columns...", 42, 41, "Nineteen columns... [#####        ]  42%"},
         {L"One column too many.", 42, 41, "One column too man\u2026 [#####        ]  42%"},
@@ -95,15 +93,14 @@ TEST(ProgressLine, ShowsTheLastValueUntilDialogOrProcessEnd) {
         {"a million", [] { for (int i = 0; i < 1'000'000; ++i) Ctrl::setPercentage(i % 100, 1); pass(); }, {most}},
         {"no change", [] { endRow(), Ctrl::setPercentage(9, 1), Ctrl::setTitle(L"M"), pass(); }, {nine, ""}},
         {"no thread", [] {
-             pthread_attr_t stack;
-             pthread_attr_init(&stack), pthread_attr_setstacksize(&stack, std::size_t{1} << 60);  // no room for that
-             pthread_setattr_default_np(&stack), Ctrl::setPercentage(50, 1), Ctrl::setPercentage(99, 1);
-         }, {most}},
+             pthread_attr_t huge;
+             pthread_attr_init(&huge), pthread_attr_setstacksize(&huge, std::size_t{1} << 60);
+             pthread_setattr_default_np(&huge), Ctrl::setPercentage(50, 1), Ctrl::setPercentage(99, 1); }, {most}},
         {"reset", [] { Ctrl::setPercentage(50, 1), Ctrl::reset(), pass(); }, {""}},
         {"closed", [] { SendMessageW(FindWindowW(nullptr, nullptr), WM_CLOSE, 0, 0), Ctrl::setTitle(L"N"), pass(); }, {""}},
         {"exit", [] { Ctrl::setPercentage(50, 1), std::exit(0); }, {""}},
         {"interrupted later", [] { endRow(), Ctrl::reset(), raise(SIGINT); }, {nine, ""}},
-        {"box", [] { close(STDIN_FILENO), BryWinMessage::messageBox(L"B"); }, {"Norrab: B", nine}},
+        {"box", [] { close(0), BryWinMessage::messageBox(L"B"), Ctrl::setPercentage(99, 1), pass(); }, {"Norrab: B", most}},
         {"a forked child", [] { if (fork() == 0) Ctrl::setPercentage(50, 1), std::exit(0); wait(nullptr); }, {nine}},
         {"background", [] {
              const pid_t other = fork();

@@ -115,7 +115,6 @@ TEST(BryProcessEvolutionManager, TellsNobodyTwiceAndForgetsNobodyWhenDisplaysCal
     // clang-format off
     const struct { const char *command, *event, *reaction, *log; } rows[] = {
         {"p1:5", "a=1:5", "x0", "a=1:5 x1 b=1:5 p0 "},
-        {"p1:5", "a=1:5", "x1", "a=1:5 x1 p0 "},
         {"p1:5", "a=1:5", "p1:6", "a=1:5 a=1:6 b=1:6 p0 b=1:5 p0 "},
         {"p0:5", "a=0:5", "c0", "a=0:5 a-0 b-0 a-1 b-1 a-2 b-2 c1 p1 "},
         {"r1", "a+3:1", "n0", "a+3:1 c+0:7 c=0:0 c+1:8 c=1:0 c+2:9 c=2:0 c+3:1 c=3:0 n2 b+3:1 r3 "},

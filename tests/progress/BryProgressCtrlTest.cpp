@@ -49,7 +49,7 @@ TEST(BryProgressCtrl, ShowsTitleBarAndPercentage) {
     EXPECT_EQ(shown(1002) + shown(1003), IsWindowVisible(dialog()) ? L"Reading" : L"hidden");
     EXPECT_EQ(bar(PBM_GETRANGE) * 1000 + bar(PBM_SETSTEP), 100001);
     int now = -1;
-    const int rows[][4] = {{42, 0, 1, 42},  {42, 1, 0, 42}, {30, 0, 0, 42}, {30, 1, 1, 30},
+    const int rows[][4] = {{42, 0, 1, 42},  {42, 1, 0, 42}, {30, 0, 0, 42}, {30, -2, 1, 30},
                            {101, 0, 0, 30}, {-1, 1, 0, 30}, {0, 1, 1, 0},   {100, 0, 1, 100}};
     for (const auto& [percent, force, answer, at] : rows) {
         EXPECT_EQ(Ctrl::setPercentage(percent, force), answer) << percent;
@@ -66,9 +66,12 @@ TEST(BryProgressCtrl, ShowsTitleBarAndPercentage) {
     EXPECT_EQ(Ctrl::activate(L"Comparing") + Ctrl::isActive(1) + IsWindow(first) + bar(PBM_GETPOS) + Ctrl::reset(), 3);
     EXPECT_EQ(Ctrl::setPercentage(0, 1) + Ctrl::setPercentage(3, 0) + Ctrl::setTitle(L"Idle"), 0) << "not showing";
     EXPECT_EQ(Ctrl::getTitle(title) + Ctrl::getPercentage(now) + now + title.length(), 1 + 1 + 3 + 4) << "remembered";
+    Recorder own;
+    EXPECT_EQ(own.BryProgressCtrlWindow::activate(L"R") + own.BryProgressCtrlWindow::reset(), 2);
+    EXPECT_EQ(std::exchange(Recorder::s_calls, L""), L"N:reset ") << "activate calls the override";
     for (const WPARAM button : {IDOK, IDCANCEL}) {
         EXPECT_EQ(Ctrl::activate(L"A"), 1);
-        SendMessageW(dialog(), WM_COMMAND, button, 0);
+        SendMessageW(dialog(), WM_COMMAND, button | 0x50000, 0);
         EXPECT_FALSE(IsWindowVisible(dialog()));
         EXPECT_EQ(Ctrl::setPercentage(5, 0) + Ctrl::setTitle(L"B") + Ctrl::isActive(0) + Ctrl::reset(), 4) << "closed";
         EXPECT_EQ(Ctrl::isActive(1) + Ctrl::setPercentage(5, 0) + Ctrl::setTitle(L"B") + Ctrl::reset(), 3) << "none";
@@ -90,6 +93,8 @@ TEST(BryProgressCtrl, CallsTheWindowsThatAreOnInOrder) {
     EXPECT_EQ(Ctrl::appendOutputWindow(&b) + Ctrl::setTitle(L"U"), 2) << "it is off now";
     EXPECT_EQ(Ctrl::appendOutputWindow(&c), 3);
     a.switchOn(), b.switchOn(), c.switchOn();
+    b.BryProgressCtrlWindow::setPercentage(9, 0);
+    EXPECT_EQ(Ctrl::getPercentage(percent) + percent, 1) << "that of the first one";
     EXPECT_EQ(Ctrl::activate(L"V") + Ctrl::setPercentage(200, 3) + Ctrl::reset(), 6) << "C answers 0";
     b.m_inCall = [&] {
         EXPECT_EQ(Ctrl::removeOutputWindow(&c) + Ctrl::removeOutputWindow(&b), 3 + 2);
@@ -103,6 +108,8 @@ TEST(BryProgressCtrl, CallsTheWindowsThatAreOnInOrder) {
     EXPECT_EQ(Ctrl::removeOutputWindow(&a), 1);
     EXPECT_EQ(Ctrl::removeOutputWindow(&a) + Ctrl::removeOutputWindow(nullptr) + Ctrl::appendOutputWindow(nullptr), -3);
     EXPECT_EQ(Ctrl::appendOutputWindow(&more[5]), 7) << "the others keep their positions";
+    Ctrl::isActive(1), Ctrl::m_ProgressCtrlWindowController->appendOutputWindow(&c);
+    EXPECT_EQ(Ctrl::setTitle(L"W"), 0) << "only C, which answers 0, is on";
     auto* const controller = std::exchange(Ctrl::m_ProgressCtrlWindowController, nullptr);  // as at the unloading
     EXPECT_EQ(Ctrl::reset() + Ctrl::getTitle(title) + Ctrl::isActive(1) + Ctrl::removeOutputWindow(&a), -1);
     Ctrl::m_ProgressCtrlWindowController = controller;
