@@ -50,7 +50,7 @@ Rows rowsOf(const std::string& bytes) {
     return rows;
 }
 
-void pass() { std::this_thread::sleep_for(std::chrono::milliseconds(60)); }
+void pass() { std::this_thread::sleep_for(std::chrono::milliseconds(100)); }
 
 void endRow() { pass(), std::fputs("\n", stderr); }
 
