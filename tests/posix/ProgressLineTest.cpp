@@ -22,9 +22,9 @@ template <class Action>
 std::string written(Action action) {
     int terminal = -1;
     winsize size = {24, 41, 0, 0};
+    std::fflush(stdout);  // the child would write it as well
     if (forkpty(&terminal, nullptr, nullptr, &size) == 0) {
-        alarm(60);
-        setenv("TERM", "xterm", 1);
+        alarm(60), setenv("TERM", "xterm", 1);
         Ctrl::isActive(1);
         action();
         _exit(0);
