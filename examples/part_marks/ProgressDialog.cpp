@@ -2,7 +2,33 @@
 
 #include <roots/progress/BryProgressCtrl.h>
 
+#ifdef _WIN32
+#    include <windows.h>
+
+#    include <commctrl.h>
+#endif
+
+namespace {
+
+// What the dialog needs of a Windows program: the bar's class, and that its messages are served at times.
+#ifdef _WIN32
+void prepareControls() { InitCommonControls(); }
+
+void serveMessages() {
+    for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+#else
+void prepareControls() {}
+void serveMessages() {}
+#endif
+
+}  // namespace
+
 ProgressDialog::ProgressDialog() {
+    prepareControls();
     BryProgressCtrl::isActive(1);  // switches the library's own window on
 }
 
@@ -10,6 +36,7 @@ ProgressDialog::~ProgressDialog() { BryProgressCtrl::reset(); }
 
 void ProgressDialog::progressChanged(int key, int percent) {
     if (key == 0) BryProgressCtrl::setPercentage(percent, 0);
+    serveMessages();
 }
 
 void ProgressDialog::processRegistered(int key, BryString action, bool) {
