@@ -103,13 +103,6 @@ Exit status
 
 namespace {
 
-bool matches(const BryString& expression, const BryString& text) {
-    BryRegExWrapper wrapper;
-    BryArray<BryString, BryArrayObjectCopyReallocator<BryString>, BryArrayMemoryController<BryString>> texts;
-    wrapper.setRegularExpression(expression);
-    return wrapper.match(text, texts);
-}
-
 class Parser {
 public:
     Parser(const std::vector<BryString>& arguments, Options& options, BryString& error)
@@ -288,6 +281,13 @@ private:
 };
 
 }  // namespace
+
+bool matches(const BryString& expression, const BryString& text) {
+    BryRegExWrapper wrapper;
+    BryArray<BryString, BryArrayObjectCopyReallocator<BryString>, BryArrayMemoryController<BryString>> texts;
+    wrapper.setRegularExpression(expression);
+    return wrapper.match(text, texts);
+}
 
 bool parseOptions(const std::vector<BryString>& arguments, Options& options, BryString& error) {
     return Parser(arguments, options, error).parse();

@@ -28,4 +28,7 @@ struct Options {
 // False with an error that says what is wrong. Asking for help makes everything else right.
 bool parseOptions(const std::vector<BryString>& arguments, Options& options, BryString& error);
 
+// Whether all of the text matches the regular expression, as --match takes it.
+bool matches(const BryString& expression, const BryString& text);
+
 extern const char* const helpText;  // in ASCII

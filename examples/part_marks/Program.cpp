@@ -17,7 +17,6 @@
 
 #include <roots/Version.h>
 #include <roots/files/BryFileAccess.h>
-#include <roots/numeric/BryRegExWrapper.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -42,18 +41,11 @@ int flushed(std::FILE* output, std::FILE* errors, int status) {
     return failed;
 }
 
-bool matches(const BryRegExWrapper& expression, const BryString& text) {
-    BryArray<BryString, BryArrayObjectCopyReallocator<BryString>, BryArrayMemoryController<BryString>> texts;
-    return expression.match(text, texts);
-}
-
 // A run with options that fit each other.
 class Run {
 public:
     Run(const Options& options, std::FILE* output, std::FILE* errors)
-        : m_options(options), m_output(output), m_errors(errors) {
-        m_match.setRegularExpression(options.match);
-    }
+        : m_options(options), m_output(output), m_errors(errors) {}
 
     int run() {
         m_marksFile = outputFile(m_options.output);
@@ -175,8 +167,8 @@ private:
     }
 
     bool isWanted(const BryString& file, const NcPart& part) const {
-        return m_options.match.isEmpty() || matches(m_match, toText(toPath(file).filename())) ||
-               matches(m_match, part.profile);
+        return m_options.match.isEmpty() || matches(m_options.match, toText(toPath(file).filename())) ||
+               matches(m_options.match, part.profile);
     }
 
     void markParts() {
@@ -265,7 +257,6 @@ private:
     const Options& m_options;
     std::FILE* m_output;
     std::FILE* m_errors;
-    BryRegExWrapper m_match;
     BryString m_marksFile, m_logFile, m_modulesFile;
     std::vector<BryString> m_files;
     std::vector<FileProblem> m_problems;
